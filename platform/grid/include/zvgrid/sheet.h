@@ -1,0 +1,41 @@
+// The Host's side of the data sheet: loading, saving and editing the sheet
+// that the module's grid operations read and write.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zvgrid {
+
+inline constexpr double kMissing = -32768.0;
+
+struct Column {
+  std::string name;
+  char type = 'N';  // 'N' numeric, 'C' character
+  int32_t width = 1;  // characters per cell of a 'C' column
+  std::vector<double> numbers;     // numeric cells; kMissing where empty
+  std::vector<std::string> texts;  // character cells
+};
+
+// Replaces the current sheet with the CSV text: a header row of names; a
+// column whose non-empty cells are all numbers is numeric, else character
+// with its longest cell as width; an empty cell is missing. Returns false and
+// an error text (with line number) for malformed input.
+bool LoadCsvText(std::string_view text, std::string* error);
+bool LoadCsvFile(const std::string& path, std::string* error);
+std::string SaveCsvText();
+bool SaveCsvFile(const std::string& path, std::string* error);
+
+void ClearSheet();
+const std::vector<Column>& Columns();
+int32_t RowCount();
+void AddNumericColumn(std::string name, std::vector<double> values);
+void AddTextColumn(std::string name, std::vector<std::string> values);
+void DeleteColumn(std::string_view name);
+
+// Evaluates an expression over the sheet; false and a message on a fault.
+bool EvaluateExpression(std::string_view text, Column* result, std::string* error);
+
+}  // namespace zvgrid
