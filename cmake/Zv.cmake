@@ -69,3 +69,22 @@ macro(zv_add_present)
     endif()
   endforeach()
 endmacro()
+
+# A subsystem folder whose sources are all its .cpp files.
+function(zv_module_folder name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(sources)
+    zv_module_library(${name} SOURCES ${sources})
+  endif()
+endfunction()
+
+# Every *_test.cpp of the folder becomes a test program linked with LIBS.
+function(zv_test_folder)
+  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+  file(GLOB helpers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_support.cpp)
+  foreach(src ${tests})
+    get_filename_component(name ${src} NAME_WE)
+    zv_test(${name} SOURCES ${src} ${helpers} LIBS ${ARG_LIBS})
+  endforeach()
+endfunction()
