@@ -1,0 +1,126 @@
+// The Families table: what differs between the eleven procedures. The
+// protocol (Dialog, Setup, Begin, BeginAgain, Item, Opts, RedoItem1, Vsave)
+// is written once in protocol.cpp and reads a family's row; a family brings
+// its row, its computation and its pane writers, never a copy of the protocol.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "frame/host_records.h"
+
+namespace zv {
+
+// A field of a family's variable dialog.
+struct VariableField {
+  int32_t control;    // the edit control
+  int32_t arrow;      // its arrow button; 0 when the field has none
+  int32_t maxLength;  // characters
+  bool isList;        // one column name per line (CheckVariableList)
+  bool allowEmpty;
+  bool allowText;     // a character column is acceptable
+  bool isSelect;      // the select expression
+  // Where the text comes back from on reopen: a binding index; for a list
+  // field the first binding of the list.
+  int32_t binding;
+  // For a list field: 0 the whole second list, 1 its first half, 2 its second
+  // half (the two lists of a life table share the second list).
+  int32_t listPart = 0;
+};
+
+struct VariableDialogLayout {
+  uint32_t templateId;
+  int32_t helpId;
+  const char* caption;  // nullptr keeps the template's caption
+  std::vector<VariableField> fields;
+  int32_t listControl = 114;
+  int32_t sortControl = 115;
+  int32_t transformControl = 0;   // 0 when the dialog has no Transform button
+  bool expressionDialog = false;  // Transform opens the module's expression dialog
+  int32_t minListLines = 0;       // a list with fewer lines is refused (string 1056)
+};
+
+// A variable that Begin loads and BeginAgain checks.
+struct BeginVariable {
+  int32_t binding;  // index into bindings; kWholeSecondList for the second list
+  bool required;    // optional ones load only when their text is not empty
+  bool allowText;
+};
+inline constexpr int32_t kWholeSecondList = -2;
+
+enum ListCount : int32_t { kFromLines = -1 };
+
+struct FamilyInfo {
+  const char* name;  // "Life2"
+  int32_t procedureCode;
+  int32_t helpId;
+  int32_t titleString;        // first part of the window title
+  int32_t titleEntry;         // entry text appended after " - ", or -1 for none
+  int32_t firstListCount;
+  int32_t secondListCount;    // kFromLines: counted from the line list entry
+  int32_t lineListEntry;      // entry index of the line list, or -1
+  bool hasSelect;
+  int32_t textOptionsMask;
+  int32_t graphOptionsMask;
+  bool setsExtraStale;        // Codebook, Rowwise, Custom
+  bool loadsNoColumns;        // Surfplot, Custom: no special variables, no checks
+  bool redoDoesNothing;       // Codebook, Rowwise
+  std::vector<BeginVariable> variables;
+  const VariableDialogLayout* dialog;
+
+  // Builds the window title when the plain rule (titleString, " - ",
+  // titleEntry) does not fit; nullptr for the plain rule.
+  std::string (*windowTitle)() = nullptr;
+  // The texts of the entry list after the title; nullptr: gEntryText in field
+  // order.
+  std::vector<std::string> (*entryTexts)() = nullptr;
+  // Writes the option defaults at the first Setup.
+  void (*writeDefaults)(ProcedureState& state) = nullptr;
+  // The computation of Begin, RedoItem1 and Opts on Item 1.
+  void (*compute)(int32_t slot) = nullptr;
+  // Writes pane `item`; items the family lacks do nothing and give 0.
+  int32_t (*writePane)(PaneWindow* pane, int32_t slot, int32_t item) = nullptr;
+  // The whole Opts entry of the family (most use StandardOptions).
+  int32_t (*options)(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record) = nullptr;
+  void (*save)(int32_t slot) = nullptr;  // Vsave; nullptr does nothing
+  // Appends the interpretation of pane `item` (CallKeel4Interpret).
+  void (*interpret)(const ProcedureState& state, int32_t item, std::string& out) = nullptr;
+};
+
+// The rows, defined by each family in its own subsystem.
+extern const FamilyInfo kLife2Family;
+extern const FamilyInfo kLife1Family;
+extern const FamilyInfo kWeibullFamily;
+extern const FamilyInfo kUncensoredFamily;
+extern const FamilyInfo kCensoredFamily;
+extern const FamilyInfo kCodebookFamily;
+extern const FamilyInfo kRowwiseFamily;
+extern const FamilyInfo kBubbleChartFamily;
+extern const FamilyInfo kDotDiagramFamily;
+extern const FamilyInfo kSurfplotFamily;
+extern const FamilyInfo kCustomFamily;
+
+// The family of a procedure code; nullptr for an unknown code.
+const FamilyInfo* FamilyOfCode(int32_t procedureCode);
+
+// The state of a Slot, as Setup or BeginAgain bound it.
+ProcedureState& StateOf(int32_t slot);
+
+// The common Opts of a family: refuses panes of a failed analysis except
+// Item 1, runs `dialog` for the Item (which returns 1 on OK after storing
+// its fields, 0 on Cancel, -1 when the Item has no dialog), then marks the
+// analysis modified and rebuilds the pane; Item 1 recomputes and refreshes
+// every pane.
+int32_t StandardOptions(const FamilyInfo& family, PaneWindow* pane, int32_t slot, int32_t item,
+                        PaneRecord* record, int32_t (*dialog)(int32_t slot, int32_t item));
+
+// Marks the analysis of the current Host modified (after an accepted dialog).
+void MarkAnalysisModified();
+// Calls the state's RefreshPanes(0, 0, 0).
+void RefreshPanes(ProcedureState& state);
+
+// Raises (+1) or lowers (-1) the wait cursor of the module's application object.
+void WaitCursor(int32_t change);
+
+}  // namespace zv
