@@ -1,0 +1,24 @@
+// The elementary functions that every numeric path of the module goes
+// through. An argument outside a function's domain raises SilentAbort instead
+// of producing a NaN or an infinity that would print as garbage; nothing in
+// the module catches it, so the host's dispatch ends the operation silently.
+#pragma once
+
+namespace zv {
+
+// Raised for an argument outside a guarded function's domain. Carries no
+// text on purpose: the user sees no message.
+struct SilentAbort {};
+
+// x to the power y; raises for x < 0 with a y that is not a whole number.
+double GuardedPow(double x, double y);
+// Raises for x < 0.
+double GuardedSqrt(double x);
+// Exactly 0.0 for x < -200; raises for x > 200.
+double GuardedExp(double x);
+// Natural logarithm; raises for x <= 0.
+double GuardedLog(double x);
+// Common logarithm; raises for x <= 0.
+double GuardedLog10(double x);
+
+}  // namespace zv
