@@ -1,0 +1,54 @@
+// The variable dialog that every family opens first: a list of the sheet's
+// columns with a Sort box, one field per variable with its arrow button, the
+// select field, a Transform button, and the checks of OK.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "frame/families.h"
+#include "zvwin/zvwin.h"
+
+namespace zv {
+
+inline constexpr int32_t kHelpButton = 9;
+inline constexpr int32_t kListColumnLimit = 128;
+
+class VariableDialog : public WinDialog {
+ public:
+  explicit VariableDialog(const VariableDialogLayout& layout);
+
+  std::vector<std::string> fields;  // one text per field, select included
+  int32_t activeField = 1;          // the field the arrow buttons and double clicks fill
+  int32_t sorted = 1;
+  int32_t columnCount = 0;
+
+  bool OnInitDialog() override;
+  void OnOK() override;
+  void OnCancel() override;
+  void OnCommand(int32_t control, int32_t notification) override;
+
+ private:
+  void FillColumnList();
+  void SetActiveField(int32_t field);
+  void PutSelectedName();
+  void Transform();
+  int32_t FieldOfControl(int32_t control, bool arrow) const;
+
+  const VariableDialogLayout& layout_;
+};
+
+// Runs the family's variable dialog: fields empty, or with reopen = 1 from
+// the expressions of the Slot's state. On OK the fields go to gEntryText and
+// the result is 1; Cancel gives 0 and leaves gEntryText alone.
+int32_t RunVariableDialog(const VariableDialogLayout& layout, int32_t slot, int32_t reopen);
+
+// The module's expression dialog (template 314): builds an expression from
+// the columns and the operators in the caller's 64-byte buffer. 1 on OK.
+int32_t PickVariableDialog(char* buffer64);
+
+// Writes a dialog's help id to the Host's help record (0 when it closes).
+void SetHelpContext(int32_t helpId);
+
+}  // namespace zv
