@@ -143,7 +143,16 @@ std::optional<std::string> WinFindString(ModuleRef module, uint32_t id);
 const std::vector<uint32_t>& WinMissingStrings();
 void WinClearMissingStrings();
 // A named image (bitmap) of the module: a reference, or 0 when absent.
+// The reference resolves (WinResolve) to a WinImage and stays valid until the
+// module is freed; each name and colour mode has one reference.
 uint32_t WinLoadImage(ModuleRef module, const char* name, bool systemColors);
+struct WinImage {
+  std::string name;
+  int32_t width = 0;
+  int32_t height = 0;
+  std::vector<uint8_t> pixels;  // row by row, 1 is black
+  bool systemColors = false;    // loaded with the system's 3-D colours
+};
 
 // A dialog template: caption and controls.
 enum class ControlKind { kStatic, kEdit, kMultiLineEdit, kCheckBox, kRadio, kListBox, kComboBox,
@@ -152,7 +161,8 @@ struct ControlTemplate {
   int32_t id;
   ControlKind kind;
   std::string text;
-  bool groupStart = false;  // first radio button of a group
+  bool groupStart = false;  // starts a radio group, which runs to the next control with it set
+  bool disabled = false;    // starts disabled
 };
 struct DialogTemplate {
   uint32_t id;
@@ -209,6 +219,25 @@ struct DialogAction {
   std::string text;
   int32_t value = 0;
   int32_t value2 = 0;
+
+  static DialogAction SetText(int32_t control, std::string text) {
+    return {Kind::kSetText, control, std::move(text), 0, 0};
+  }
+  static DialogAction Check(int32_t control, int32_t state) {
+    return {Kind::kCheck, control, {}, state, 0};
+  }
+  static DialogAction Select(int32_t control, int32_t entry) {
+    return {Kind::kSelect, control, {}, entry, 0};
+  }
+  static DialogAction SelectRadio(int32_t control) { return {Kind::kSelect, control, {}, 0, 0}; }
+  static DialogAction Press(int32_t control) { return {Kind::kPress, control, {}, 0, 0}; }
+  static DialogAction DoubleClick(int32_t control, int32_t entry) {
+    return {Kind::kDoubleClick, control, {}, entry, 0};
+  }
+  // end -1: to the end of the text
+  static DialogAction SetSelection(int32_t control, int32_t start, int32_t end) {
+    return {Kind::kSetSelection, control, {}, start, end};
+  }
 };
 
 // The user in front of the dialogs.
@@ -217,15 +246,61 @@ class WinDialogDriver {
   virtual ~WinDialogDriver() = default;
   // The next action for this dialog, or nothing to give up (Cancel).
   virtual std::optional<DialogAction> NextAction(WinDialog& dialog) = 0;
+  // Around each run, after the controls are built (before OnInitDialog) and
+  // after the dialog has ended. Dialogs nest when a handler opens another.
+  virtual void DialogOpened(WinDialog& dialog) { (void)dialog; }
+  virtual void DialogClosed(WinDialog& dialog, int32_t result) {
+    (void)dialog;
+    (void)result;
+  }
 };
 void WinSetDialogDriver(WinDialogDriver* driver);  // not owned; nullptr: every dialog cancels
+WinDialogDriver* WinGetDialogDriver();
+
+// A driver for tests: one script per dialog, taken in order. A dialog that
+// opens gets the next script if its template matches, and its actions one by
+// one; when they run out the dialog cancels. A dialog that does not match the
+// next script gets no actions (so it cancels) and is counted in Unexpected().
+//   ScriptedDialogDriver user({{848, {DialogAction::SetText(101, "Time"),
+//                                     DialogAction::Press(kIdOk)}}});
+//   WinSetDialogDriver(&user);
+class ScriptedDialogDriver : public WinDialogDriver {
+ public:
+  struct Script {
+    uint32_t templateId;
+    std::vector<DialogAction> actions;
+  };
+  ScriptedDialogDriver() = default;
+  explicit ScriptedDialogDriver(std::vector<Script> scripts);
+  void Add(Script script);
+
+  std::optional<DialogAction> NextAction(WinDialog& dialog) override;
+  void DialogOpened(WinDialog& dialog) override;
+  void DialogClosed(WinDialog& dialog, int32_t result) override;
+
+  size_t ScriptsLeft() const;  // scripts not yet started
+  const std::vector<uint32_t>& Unexpected() const;  // templates of dialogs with no script
+
+ private:
+  struct Running {
+    const WinDialog* dialog;
+    std::optional<size_t> script;
+    size_t next = 0;
+  };
+  std::vector<Script> scripts_;
+  size_t nextScript_ = 0;
+  std::vector<Running> running_;
+  std::vector<uint32_t> unexpected_;
+};
 
 // A record of each dialog that ran, for tests and the command line.
 struct DialogRun {
-  uint32_t templateId;
+  uint32_t templateId = 0;
   std::string caption;
-  int32_t result;
+  int32_t result = 0;
   std::vector<std::pair<int32_t, std::string>> finalTexts;  // edit controls at the end
+  int32_t actions = 0;  // driver actions taken, refused ones included
+  int32_t refused = 0;  // actions refused
 };
 const std::vector<DialogRun>& WinDialogLog();
 void WinClearDialogLog();
@@ -237,7 +312,10 @@ class WinDialog {
   WinDialog(const WinDialog&) = delete;
   WinDialog& operator=(const WinDialog&) = delete;
 
-  // kIdOk or kIdCancel; -1 when the template does not exist.
+  // kIdOk or kIdCancel (or what a handler passed to EndDialog); -1 when the
+  // template does not exist. Changes made by the program (SetItemText,
+  // ReplaceSelection, CheckButton, ListSetCurSel) send no notification; the
+  // driver's actions do.
   int32_t DoModal();
 
   virtual bool OnInitDialog() { return true; }
@@ -269,6 +347,7 @@ class WinDialog {
   void SetFocusItem(int32_t id);
   int32_t FocusItem() const;
   void SetItemImage(int32_t id, uint32_t image);
+  uint32_t ItemImage(int32_t id) const;
 
   // Edit controls: caret and selection as character positions.
   void GetSelection(int32_t id, int32_t* start, int32_t* end) const;
@@ -276,6 +355,7 @@ class WinDialog {
   void ReplaceSelection(int32_t id, std::string_view text);
   int32_t LineFromChar(int32_t id, int32_t position) const;
   void ScrollToLine(int32_t id, int32_t firstVisibleLine);
+  int32_t FirstVisibleLine(int32_t id) const;
 
   // List boxes.
   void ListReset(int32_t id);
