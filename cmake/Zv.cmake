@@ -20,7 +20,11 @@ function(zv_module_library name)
   zv_options(zv_${name})
   set_target_properties(zv_${name} PROPERTIES CXX_VISIBILITY_PRESET hidden
                         VISIBILITY_INLINES_HIDDEN ON)
-  target_include_directories(zv_${name} PUBLIC ${ZV_ROOT}/src)
+  # The platform's headers are named directly so that a subsystem compiles
+  # before the stand-in libraries are built.
+  target_include_directories(zv_${name} PUBLIC ${ZV_ROOT}/src
+    ${ZV_ROOT}/platform/win/include ${ZV_ROOT}/platform/grid/include
+    ${ZV_ROOT}/platform/chart/include ${ZV_ROOT}/platform/counsel/include)
   target_link_libraries(zv_${name} PUBLIC zvwin zvgrid zvchart zvcounsel)
   set_property(GLOBAL APPEND PROPERTY ZV_MODULE_PARTS zv_${name})
 endfunction()
