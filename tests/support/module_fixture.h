@@ -1,0 +1,55 @@
+// A test fixture that stands where the Host stands: it starts the module,
+// owns the Host's records with their virtual tables, loads a sheet, and
+// calls entry points directly. Message boxes and dialogs go through the
+// window system's logs and scripted driver.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/host_records.h"
+#include "zvwin/zvwin.h"
+
+namespace zvtest {
+
+class ModuleFixture : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Replaces the sheet with this CSV text; fails the test on a parse error.
+  void LoadSheet(std::string_view csv);
+  // A zeroed ProcedureState bound to `slot` as Setup would leave it for a
+  // family: gStates[slot], rowCount from the sheet.
+  zv::ProcedureState& NewState(int32_t slot = 0);
+  // Stores a counted text in a binding's expression, as the Host does.
+  void SetExpression(zv::ProcedureState& state, int binding, std::string_view text);
+  // Stores the entry list that Setup wrote into the bindings, as the Host does.
+  void StoreEntryList(zv::ProcedureState& state, const char* entryList, bool hasSelect);
+  // The text of the last message box, or "" when none was shown.
+  std::string LastMessage() const;
+  // Installs a scripted user for the next dialogs.
+  void Script(std::vector<ScriptedDialogDriver::Script> scripts);
+
+  std::unique_ptr<zv::HostRecord> host;
+  std::unique_ptr<zv::HostHelpRecord> help;
+  std::unique_ptr<zv::HostView> view;
+  std::unique_ptr<zv::SheetWindow> sheet;
+  std::unique_ptr<zv::FrameWindow> frame;
+  std::unique_ptr<zv::PaneWindow> pane;
+  std::unique_ptr<zv::PaneRecord> paneRecord;
+  std::vector<std::unique_ptr<zv::ProcedureState>> states;
+  std::vector<char> advice;
+  std::unique_ptr<ScriptedDialogDriver> driver;
+
+  // Calls the Host's virtual operations made.
+  static int refreshCalls;
+  static int modifiedCalls;
+  static int dropCalls;
+};
+
+}  // namespace zvtest
