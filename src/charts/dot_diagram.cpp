@@ -50,9 +50,11 @@ int32_t WritePane(PaneWindow* pane, int32_t slot, int32_t item) {
   return 0;
 }
 
-int32_t Options(PaneWindow*, int32_t, int32_t, PaneRecord*) {
-  ShowNote(1100);
-  return 1;
+// The options dialog of a pane: 1 stored, 0 cancelled, -1 the pane has none.
+int32_t OptionsDialog(int32_t, int32_t) { return -1; }
+
+int32_t Options(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record) {
+  return StandardOptions(kDotDiagramFamily, pane, slot, item, record, OptionsDialog);
 }
 
 const VariableDialogLayout kDialog{

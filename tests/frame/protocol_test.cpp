@@ -1,0 +1,186 @@
+// The procedure protocol driven as the Host drives it, with DotDiagram, the
+// simplest family, as the passenger.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "charts/dot_diagram.h"
+#include "frame/exports.h"
+#include "frame/module_state.h"
+#include "frame/protocol.h"
+#include "support/module_fixture.h"
+#include "zvgrid/sheet.h"
+
+namespace {
+
+using zvtest::ModuleFixture;
+
+constexpr char kSheet[] =
+    "Weight,Height,Sex\n"
+    "61,58,F\n"
+    "72,63,M\n"
+    "58,61,F\n"
+    "72,66,M\n"
+    "80,70,M\n"
+    ",59,F\n"
+    "66,64,F\n";
+
+class ProtocolTest : public ModuleFixture {
+ protected:
+  // Dialog and Setup for a new analysis on `slot`, as the Host calls them.
+  zv::ProcedureState& Open(int32_t slot, const char* variable, const char* select) {
+    Script({{9969, {DialogAction::SetText(116, variable), DialogAction::SetText(117, select),
+                    DialogAction::Press(kIdOk)}}});
+    EXPECT_EQ(DotDiagramDialog(slot, host.get(), sheet.get(), frame.get(), 0, 0), 1);
+    zv::ProcedureState& state = NewState(slot);
+    DotDiagramSetup(slot, &state, view.get(), entryList, 0, 0);
+    StoreEntryList(state, entryList, true);
+    return state;
+  }
+  char entryList[zv::kEntryListBytes] = {};
+};
+
+TEST_F(ProtocolTest, SetupWritesConstantsEntryListAndRaisesNextSlotOnce) {
+  LoadSheet(kSheet);
+  host->nextSlot = 5;
+  zv::ProcedureState& state = Open(3, "Weight", "Height > 60");
+  EXPECT_EQ(host->nextSlot, 5);  // Slot 3 is not the next free one
+  EXPECT_EQ(state.procedureCode, 2842);
+  EXPECT_EQ(state.firstListCount, 1);
+  EXPECT_EQ(state.secondListCount, 0);
+  EXPECT_EQ(host->helpIds[3], 32977);
+  EXPECT_EQ(zv::Get(state, zv::kDotClasses), 0);
+  EXPECT_EQ(zv::Get(state, zv::kDotUnused2014), -32768);
+  EXPECT_STREQ(entryList, "Dot Diagram - Weight");
+  const char* second = entryList + std::strlen(entryList) + 1;
+  EXPECT_STREQ(second, "Weight");
+  EXPECT_STREQ(second + 7, "Height > 60");
+  EXPECT_EQ(modifiedCalls, 1);
+
+  host->nextSlot = 4;
+  Open(4, "Weight", "");
+  EXPECT_EQ(host->nextSlot, 5);
+
+  // Reopening keeps options and nextSlot but rewrites the constants.
+  zv::Set(state, zv::kDotClasses, 12);
+  state.procedureCode = 0;
+  host->nextSlot = 3;
+  host->rowCount = 99;
+  DotDiagramSetup(3, &state, view.get(), entryList, 1, 0);
+  EXPECT_EQ(zv::Get(state, zv::kDotClasses), 12);
+  EXPECT_EQ(host->nextSlot, 3);
+  EXPECT_EQ(state.procedureCode, 2842);
+  EXPECT_EQ(state.rowCount, 99);
+}
+
+TEST_F(ProtocolTest, BeginComputesAndCountsTheFirstPassOnly) {
+  LoadSheet(kSheet);
+  zv::ProcedureState& state = Open(0, "Weight", "Height > 60");
+  ASSERT_EQ(DotDiagramBegin(0, 0, 0), 1);
+  ASSERT_EQ(state.status, 0);
+  // Rows with Height > 60: 72, 58, 72, 80, 66 (the missing weight is skipped).
+  EXPECT_EQ(zv::Get(state, zv::kDotCount), 5.0);
+  EXPECT_EQ(zv::Get(state, zv::kDotDistinct), 4.0);
+  EXPECT_DOUBLE_EQ(zv::Get(state, zv::kDotMean), 69.6);
+  // Squares about 69.6: 5.76 + 134.56 + 5.76 + 108.16 + 12.96 = 267.2; / 4 = 66.8.
+  EXPECT_NEAR(zv::Get(state, zv::kDotDeviation), 8.17312669668102, 1e-12);
+  EXPECT_EQ(state.begun, 1);
+  EXPECT_EQ(state.textOptionsMask, 0);
+  EXPECT_EQ(state.graphOptionsMask, 1);
+  for (int item = 1; item <= 14; ++item) EXPECT_EQ(state.paneStale[item - 1], 1);
+  EXPECT_EQ(host->begunCount, 1);
+  ASSERT_EQ(DotDiagramBegin(0, 0, 0), 1);
+  EXPECT_EQ(host->begunCount, 1);
+}
+
+TEST_F(ProtocolTest, FailingBeginLeavesBegunAndStaleFlags) {
+  LoadSheet(kSheet);
+  zv::ProcedureState& state = NewState(0);
+  state.firstListCount = 1;
+  SetExpression(state, 0, "NoSuchColumn");
+  state.paneStale[0] = 0;
+  EXPECT_EQ(DotDiagramBegin(0, 0, 0), 0);
+  EXPECT_EQ(state.begun, 0);
+  EXPECT_EQ(state.paneStale[0], 0);
+  EXPECT_EQ(host->begunCount, 0);
+  EXPECT_NE(LastMessage(), "");  // the sheet said what is wrong
+}
+
+TEST_F(ProtocolTest, StatusFromConstantAndEmptyColumns) {
+  LoadSheet("A,B\n5,\n5,\n5,\n");
+  zv::ProcedureState& constant = Open(0, "A", "");
+  DotDiagramBegin(0, 0, 0);
+  EXPECT_EQ(constant.status, 1042);
+  zv::ProcedureState& empty = Open(1, "B", "");
+  DotDiagramBegin(1, 0, 0);
+  EXPECT_EQ(empty.status, 3);
+  // Every pane but the summary of a failed analysis has no options.
+  EXPECT_EQ(DotDiagramOpts(pane.get(), 1, 8, paneRecord.get(), 0, 0, 0), 0);
+  EXPECT_TRUE(WinDialogLog().empty() || WinDialogLog().back().templateId == 9969);
+}
+
+TEST_F(ProtocolTest, RedoItem1LeavesItsOwnFlagAndMarksTheRest) {
+  LoadSheet(kSheet);
+  zv::ProcedureState& state = Open(0, "Weight", "");
+  DotDiagramBegin(0, 0, 0);
+  for (int& flag : state.paneStale) flag = 0;
+  EXPECT_EQ(DotDiagramRedoItem1(pane.get(), 0, 0, 0, 0, 0), 1);
+  EXPECT_EQ(state.paneStale[0], 0);
+  for (int item = 2; item <= 14; ++item) EXPECT_EQ(state.paneStale[item - 1], 1);
+  EXPECT_NE(WinGetWindowText(pane->window).find("Dot Diagram"), std::string::npos);
+}
+
+TEST_F(ProtocolTest, ItemWithoutWriterStillInvalidates) {
+  LoadSheet(kSheet);
+  Open(0, "Weight", "");
+  DotDiagramBegin(0, 0, 0);
+  const int32_t before = WinInvalidateCount(pane->window);
+  EXPECT_EQ(DotDiagramItem(pane.get(), 0, 5, paneRecord.get(), 0), 0);
+  EXPECT_EQ(WinInvalidateCount(pane->window), before + 1);
+  EXPECT_EQ(WinGetWindowText(pane->window), "");
+  EXPECT_EQ(WinWaitCursorLevel(), 0);
+}
+
+TEST_F(ProtocolTest, BeginAgainWithDeletedColumnSets1025AndDoesNotBegin) {
+  LoadSheet(kSheet);
+  zv::ProcedureState& state = Open(0, "Weight", "");
+  DotDiagramBegin(0, 0, 0);
+  state.begun = 0;  // a Begin that ran would set it again
+  zvgrid::DeleteColumn("Weight");
+  EXPECT_EQ(DotDiagramBeginAgain(0, &state, view.get(), host.get(), sheet.get(), frame.get(), 0), 0);
+  EXPECT_EQ(state.status, 1025);
+  EXPECT_EQ(state.begun, 0);
+  EXPECT_EQ(host->currentSlot, 0);
+}
+
+TEST_F(ProtocolTest, DialogRefusesEmptyAndCharacterFieldsAndCancelKeepsEntryText) {
+  LoadSheet(kSheet);
+  zv::gEntryText[0] = "before";
+  Script({{9969, {DialogAction::Press(kIdOk), DialogAction::SetText(116, "Sex"),
+                  DialogAction::Press(kIdOk)}}});
+  EXPECT_EQ(DotDiagramDialog(0, host.get(), sheet.get(), frame.get(), 0, 0), 0);
+  const auto& boxes = WinMessageBoxLog();
+  ASSERT_EQ(boxes.size(), 2u);
+  EXPECT_NE(boxes[0].text.find("Field 1"), std::string::npos);  // string 1019 with the field
+  EXPECT_NE(boxes[1].text.find("character"), std::string::npos);  // string 1022
+  EXPECT_EQ(boxes[0].caption, "Zivara Suite");
+  EXPECT_EQ(zv::gEntryText[0], "before");
+  EXPECT_EQ(help->helpContext, 0);
+}
+
+TEST_F(ProtocolTest, InterpretDispatchesOnProcedureCode) {
+  LoadSheet(kSheet);
+  zv::ProcedureState& state = Open(0, "Weight", "");
+  DotDiagramBegin(0, 0, 0);
+  char out[2048];
+  EXPECT_EQ(CallKeel4Interpret(&state, out, 1), 1);
+  EXPECT_NE(std::string(out).find("Weight"), std::string::npos);
+  EXPECT_EQ(CallKeel4Interpret(&state, out, 2), 1);
+  EXPECT_STREQ(out, "");
+  state.procedureCode = 0;
+  EXPECT_EQ(CallKeel4Interpret(&state, out, 1), 1);
+  EXPECT_STREQ(out, "");
+}
+
+}  // namespace
