@@ -46,6 +46,8 @@ class ModuleFixture : public ::testing::Test {
   std::vector<char> advice;
   std::unique_ptr<ScriptedDialogDriver> driver;
 
+
+ public:
   // Calls the Host's virtual operations made.
   static int refreshCalls;
   static int modifiedCalls;
