@@ -6,6 +6,7 @@
 
 #include "frame/module_state.h"
 #include "services/movable_block.h"
+#include "frame/messages.h"
 #include "services/variables.h"
 #include "support/module_fixture.h"
 
@@ -62,7 +63,7 @@ TEST_F(VariablesTest, ExpressionsGoToTheEvaluatorAndTakeRowCountRows) {
   // Fewer rows: only the first rowCount values.
   state.rowCount = 2;
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
-  EXPECT_EQ(zv::WinGlobalSize(state.bindings[0].data), 16u);
+  EXPECT_EQ(WinGlobalSize(state.bindings[0].data), 16u);
 }
 
 TEST_F(VariablesTest, SelectBlanksTextRowsAndDropsNumericRowsOnZeroOnly) {
