@@ -94,7 +94,9 @@ struct WinDialog::Impl {
     std::fputc('\n', stderr);
   }
 
+  // -1 marks controls that code never addresses, so it finds none.
   Control* Find(int32_t id) {
+    if (id == -1) return nullptr;
     for (Control& c : controls) {
       if (c.id == id) return &c;
     }

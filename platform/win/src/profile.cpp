@@ -33,8 +33,8 @@ std::optional<std::string> FindProfileValue(const char* section, const char* key
     std::string_view text = Trim(line);
     if (text.empty() || text.front() == ';') continue;
     if (text.front() == '[') {
-      size_t close = text.find(']');
-      if (close == std::string_view::npos) continue;  // not a header; ignored
+      // A header without its ']' still ends the section before it.
+      size_t close = std::min(text.find(']'), text.size());
       inSection = zvwin_detail::AsciiLower(Trim(text.substr(1, close - 1))) == wantedSection;
       continue;
     }

@@ -370,7 +370,12 @@ const DialogTemplate* FindCurrentDialogTemplate(uint32_t id) {
 
 ModuleRef WinLoadLibrary(const char* name) {
   if (name == nullptr) return 0;
-  if (zvwin_detail::AsciiLower(fs::path(name).filename().string()) != "keel4res.dll") return 0;
+  // The name may carry a folder, written with either kind of slash.
+  std::string_view file(name);
+  if (size_t slash = file.find_last_of("/\\"); slash != std::string_view::npos) {
+    file.remove_prefix(slash + 1);
+  }
+  if (zvwin_detail::AsciiLower(file) != "keel4res.dll") return 0;
   fs::path folder = ResourceFolder();
   std::error_code ec;
   if (!fs::is_directory(folder, ec)) {
