@@ -1,0 +1,130 @@
+// A laid-out graph as SVG text. Every item becomes one element whose class
+// names what it is, so that the picture can be read back by a program too.
+#include <cstdio>
+
+#include "chart_scene.h"
+
+namespace zvchart {
+namespace {
+
+std::string Number(double v) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%.2f", v);
+  std::string s = buffer;
+  s.erase(s.find_last_not_of('0') + 1);
+  if (s.back() == '.') s.pop_back();
+  if (s == "-0") s = "0";
+  return s;
+}
+
+std::string Colour(Rgb c) {
+  char buffer[8];
+  std::snprintf(buffer, sizeof buffer, "#%02x%02x%02x", c.r, c.g, c.b);
+  return buffer;
+}
+
+void AppendEscaped(std::string& out, std::string_view text) {
+  for (char ch : text) {
+    switch (ch) {
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '"': out += "&quot;"; break;
+      case '\'': out += "&apos;"; break;
+      default: out += ch;
+    }
+  }
+}
+
+void AppendPaint(std::string& out, const SceneItem& it) {
+  out += " fill=\"" + (it.filled ? Colour(it.fill) : std::string("none")) + "\"";
+  if (it.filled && it.fillOpacity < 1.0) out += " fill-opacity=\"" + Number(it.fillOpacity) + "\"";
+  if (!it.stroked) return;
+  out += " stroke=\"" + Colour(it.stroke) + "\" stroke-width=\"" + Number(it.strokeWidth) + "\"";
+  if (it.dash == Dash::kDashed) out += " stroke-dasharray=\"6 3\"";
+  if (it.dash == Dash::kDotted) out += " stroke-dasharray=\"1.5 2.5\"";
+  out += " stroke-linejoin=\"round\"";
+}
+
+void AppendItem(std::string& out, const SceneItem& it) {
+  switch (it.kind) {
+    case ItemKind::kPath: {
+      out += "<path class=\"" + it.role + "\" d=\"";
+      for (const auto& sub : it.subpaths) {
+        for (size_t i = 0; i < sub.size(); ++i) {
+          out += i == 0 ? "M" : " L";
+          out += Number(sub[i].x) + " " + Number(sub[i].y);
+        }
+        if (it.closed) out += " Z";
+        out += " ";
+      }
+      if (out.back() == ' ') out.pop_back();
+      out += "\"";
+      AppendPaint(out, it);
+      out += "/>\n";
+      break;
+    }
+    case ItemKind::kCircle:
+      out += "<circle class=\"" + it.role + "\" cx=\"" + Number(it.centre.x) + "\" cy=\"" +
+             Number(it.centre.y) + "\" r=\"" + Number(it.radius) + "\"";
+      AppendPaint(out, it);
+      out += "/>\n";
+      break;
+    case ItemKind::kText: {
+      const char* anchor = it.anchor == Anchor::kStart    ? "start"
+                           : it.anchor == Anchor::kMiddle ? "middle"
+                                                          : "end";
+      out += "<text class=\"" + it.role + "\" x=\"" + Number(it.centre.x) + "\" y=\"" +
+             Number(it.centre.y + kBaselineShift * it.fontSize) + "\" font-size=\"" +
+             Number(it.fontSize) + "\" text-anchor=\"" + anchor + "\" fill=\"" + Colour(it.fill) +
+             "\"";
+      if (it.bold) out += " font-weight=\"bold\"";
+      if (it.rotation != 0) {
+        out += " transform=\"rotate(" + Number(it.rotation) + " " + Number(it.centre.x) + " " +
+               Number(it.centre.y) + ")\"";
+      }
+      out += ">";
+      AppendEscaped(out, it.text);
+      out += "</text>\n";
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+std::string RenderSvg(const StoredGraph& graph, RenderSize size) {
+  Scene scene = BuildScene(graph, size);
+  std::string out;
+  out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+  out += "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"" +
+         std::to_string(scene.width) + "\" height=\"" + std::to_string(scene.height) +
+         "\" viewBox=\"0 0 " + std::to_string(scene.width) + " " + std::to_string(scene.height) +
+         "\" font-family=\"DejaVu Sans, Verdana, sans-serif\">\n";
+  out += "<defs><clipPath id=\"plot-area\"><rect x=\"" + Number(scene.clipLeft) + "\" y=\"" +
+         Number(scene.clipTop) + "\" width=\"" + Number(scene.clipRight - scene.clipLeft) +
+         "\" height=\"" + Number(scene.clipBottom - scene.clipTop) + "\"/></clipPath></defs>\n";
+  bool inClip = false;
+  for (const SceneItem& it : scene.items) {
+    if (it.clipped != inClip) {
+      out += it.clipped ? "<g clip-path=\"url(#plot-area)\">\n" : "</g>\n";
+      inClip = it.clipped;
+    }
+    AppendItem(out, it);
+  }
+  if (inClip) out += "</g>\n";
+  out += "</svg>\n";
+  return out;
+}
+
+std::string ChartRenderSvg(int32_t graphId, RenderSize size) {
+  const StoredGraph* g = FindGraph(graphId);
+  return g == nullptr ? std::string() : RenderSvg(*g, size);
+}
+
+std::string RenderWindowSvg(WindowRef window, RenderSize size) {
+  const StoredGraph* g = FindGraphByWindow(window);
+  return g == nullptr ? std::string() : RenderSvg(*g, size);
+}
+
+}  // namespace zvchart
