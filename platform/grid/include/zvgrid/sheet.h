@@ -10,6 +10,7 @@
 namespace zvgrid {
 
 inline constexpr double kMissing = -32768.0;
+inline constexpr int32_t kMaxRows = 1 << 20;  // rows beyond are refused or ignored
 
 struct Column {
   std::string name;
@@ -31,11 +32,28 @@ bool SaveCsvFile(const std::string& path, std::string* error);
 void ClearSheet();
 const std::vector<Column>& Columns();
 int32_t RowCount();
-void AddNumericColumn(std::string name, std::vector<double> values);
-void AddTextColumn(std::string name, std::vector<std::string> values);
+// Appends a column, or replaces the cells of the column that has the name
+// already. False, and the sheet unchanged, when the sheet has 256 columns,
+// a list is longer than kMaxRows, or a text is longer than 127 characters.
+// A value that is not finite is stored as kMissing.
+bool AddNumericColumn(std::string name, std::vector<double> values);
+bool AddTextColumn(std::string name, std::vector<std::string> values);
 void DeleteColumn(std::string_view name);
 
 // Evaluates an expression over the sheet; false and a message on a fault.
 bool EvaluateExpression(std::string_view text, Column* result, std::string* error);
+
+// GridSendCommand only records its calls, for the Host to act on.
+struct SentCommand {
+  uint32_t window;
+  int32_t message;
+  int32_t command;
+  int32_t zero;
+};
+const std::vector<SentCommand>& SentCommands();
+void ClearSentCommands();
+
+// GridBeginAccess runs not yet closed by GridEndAccess.
+int32_t AccessLevel();
 
 }  // namespace zvgrid
