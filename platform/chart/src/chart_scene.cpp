@@ -133,29 +133,41 @@ struct Layout {
   double side = 1;  // the plot's side for text sizes, in pixels
 };
 
-Layout MakeLayout(const StoredGraph& g, const Rect& target) {
-  Layout l;
-  l.threeD = g.record.threeD == 1;
-  l.angle = g.record.viewAngle;
-  if (!l.threeD) {
-    l.flat = target;
-    l.side = target.height;
-    return l;
-  }
+// The box that the projected unit cube takes, in units of the projection.
+struct PlaneBox {
   double uMin = 1e300, uMax = -1e300, vMin = 1e300, vMax = -1e300;
+};
+
+PlaneBox CubeBox(int32_t angle) {
+  PlaneBox b;
   for (int c = 0; c < 8; ++c) {
-    PlanePoint p = ProjectUnitCube(c & 1, (c >> 1) & 1, (c >> 2) & 1, l.angle);
-    uMin = std::min(uMin, p.u);
-    uMax = std::max(uMax, p.u);
-    vMin = std::min(vMin, p.v);
-    vMax = std::max(vMax, p.v);
+    PlanePoint p = ProjectUnitCube(c & 1, (c >> 1) & 1, (c >> 2) & 1, angle);
+    b.uMin = std::min(b.uMin, p.u);
+    b.uMax = std::max(b.uMax, p.u);
+    b.vMin = std::min(b.vMin, p.v);
+    b.vMax = std::max(b.vMax, p.v);
   }
-  l.unit = std::min(target.width / (uMax - uMin), target.height / (vMax - vMin));
-  l.originX = target.left + (target.width - (uMax - uMin) * l.unit) / 2 - uMin * l.unit;
-  l.originY = target.top + (target.height - (vMax - vMin) * l.unit) / 2 + vMax * l.unit;
-  l.flat = {l.originX + uMin * l.unit, l.originY - vMax * l.unit, (uMax - uMin) * l.unit,
-            (vMax - vMin) * l.unit};
-  l.side = l.unit;
+  return b;
+}
+
+Layout FlatLayout(const Rect& plot) {
+  Layout l;
+  l.flat = plot;
+  l.side = plot.height;
+  return l;
+}
+
+Layout SpaceLayout(int32_t angle, double unit, double originX, double originY) {
+  Layout l;
+  l.threeD = true;
+  l.angle = angle;
+  l.unit = unit;
+  l.originX = originX;
+  l.originY = originY;
+  PlaneBox b = CubeBox(angle);
+  l.flat = {originX + b.uMin * unit, originY - b.vMax * unit, (b.uMax - b.uMin) * unit,
+            (b.vMax - b.vMin) * unit};
+  l.side = unit;
   return l;
 }
 
@@ -668,6 +680,63 @@ Scene Compose(const StoredGraph& g, const Layout& layout, RenderSize size, bool 
   return s;
 }
 
+Bounds LayoutBounds(const StoredGraph& g, const Layout& layout, RenderSize size) {
+  Scene trial = Compose(g, layout, size, false);
+  Bounds b;
+  for (const SceneItem& it : trial.items) {
+    if (it.role != "background" && it.role != "message") AddToBounds(b, it);
+  }
+  return b;
+}
+
+// A flat plot: the plot area's edges move until what stands around it meets
+// the canvas's edges. Texts scale with the plot, so a few rounds settle it.
+Layout FitFlat(const StoredGraph& g, RenderSize size, double pad) {
+  const double w = size.width, h = size.height;
+  Rect plot{0.12 * w, 0.12 * h, 0.76 * w, 0.76 * h};
+  for (int round = 0; round < 8; ++round) {
+    Bounds b = LayoutBounds(g, FlatLayout(plot), size);
+    if (b.Empty()) break;
+    double dl = pad - b.left, dr = (w - pad) - b.right;
+    double dt = pad - b.top, db = (h - pad) - b.bottom;
+    if (std::max({std::fabs(dl), std::fabs(dr), std::fabs(dt), std::fabs(db)}) < 0.5) break;
+    Rect next{plot.left + dl, plot.top + dt, plot.width - dl + dr, plot.height - dt + db};
+    next.width = std::clamp(next.width, 0.3 * w, w);
+    next.height = std::clamp(next.height, 0.3 * h, h);
+    next.left = std::clamp(next.left, 0.0, w - next.width);
+    next.top = std::clamp(next.top, 0.0, h - next.height);
+    plot = next;
+  }
+  return FlatLayout(plot);
+}
+
+// A three-dimensional plot scales as a whole: everything around the cube
+// is placed in the cube's units, so one scale and one shift fit it.
+Layout FitSpace(const StoredGraph& g, RenderSize size, double pad) {
+  const double w = size.width - 2 * pad, h = size.height - 2 * pad;
+  const int32_t angle = g.record.viewAngle;
+  PlaneBox cube = CubeBox(angle);
+  double unit = std::min(0.76 * w / (cube.uMax - cube.uMin), 0.76 * h / (cube.vMax - cube.vMin));
+  double originX = pad + (w - (cube.uMax - cube.uMin) * unit) / 2 - cube.uMin * unit;
+  double originY = pad + (h - (cube.vMax - cube.vMin) * unit) / 2 + cube.vMax * unit;
+  for (int round = 0; round < 6; ++round) {
+    Bounds b = LayoutBounds(g, SpaceLayout(angle, unit, originX, originY), size);
+    if (b.Empty()) break;
+    double left = (b.left - originX) / unit, right = (b.right - originX) / unit;
+    double top = (b.top - originY) / unit, bottom = (b.bottom - originY) / unit;
+    double next = std::min(w / (right - left), h / (bottom - top));
+    double nextX = pad + (w - (right - left) * next) / 2 - left * next;
+    double nextY = pad + (h - (bottom - top) * next) / 2 - top * next;
+    bool settled = std::fabs(next - unit) * (right - left) < 0.5 &&
+                   std::fabs(nextX - originX) < 0.5 && std::fabs(nextY - originY) < 0.5;
+    unit = next;
+    originX = nextX;
+    originY = nextY;
+    if (settled) break;
+  }
+  return SpaceLayout(angle, unit, originX, originY);
+}
+
 }  // namespace
 
 PlanePoint ProjectUnitCube(double x, double y, double z, int32_t viewAngleDegrees) {
@@ -678,29 +747,9 @@ PlanePoint ProjectUnitCube(double x, double y, double z, int32_t viewAngleDegree
 Scene BuildScene(const StoredGraph& g, RenderSize size) {
   size.width = std::clamp(size.width, 64, 8192);
   size.height = std::clamp(size.height, 64, 8192);
-  const double w = size.width, h = size.height;
-  const double pad = std::max(6.0, 0.02 * std::min(w, h));
-  Rect target{0.12 * w, 0.12 * h, 0.76 * w, 0.76 * h};
-  // Shrink or grow the plot until what stands around it meets the canvas's
-  // edges; texts scale with the plot, so a few rounds settle it.
-  for (int round = 0; round < 6; ++round) {
-    Scene trial = Compose(g, MakeLayout(g, target), size, false);
-    Bounds b;
-    for (const SceneItem& it : trial.items) {
-      if (it.role != "background" && it.role != "message") AddToBounds(b, it);
-    }
-    if (b.Empty()) break;
-    double dl = pad - b.left, dr = (w - pad) - b.right;
-    double dt = pad - b.top, db = (h - pad) - b.bottom;
-    if (std::max({std::fabs(dl), std::fabs(dr), std::fabs(dt), std::fabs(db)}) < 0.5) break;
-    Rect next{target.left + dl, target.top + dt, target.width - dl + dr, target.height - dt + db};
-    next.width = std::max(next.width, 0.3 * w);
-    next.height = std::max(next.height, 0.3 * h);
-    next.left = std::clamp(next.left, 0.0, w - next.width);
-    next.top = std::clamp(next.top, 0.0, h - next.height);
-    target = next;
-  }
-  return Compose(g, MakeLayout(g, target), size, true);
+  const double pad = std::max(6.0, 0.02 * std::min(size.width, size.height));
+  Layout layout = g.record.threeD == 1 ? FitSpace(g, size, pad) : FitFlat(g, size, pad);
+  return Compose(g, layout, size, true);
 }
 
 }  // namespace zvchart
