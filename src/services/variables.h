@@ -13,8 +13,6 @@
 
 namespace zv {
 
-class WinDialog;
-
 // Resolves `expression` to a column. With a negative slot only type, width
 // and rows are answered and `data` is not touched; otherwise the old block
 // in *data is freed and a new one of the state's rowCount rows is filled.
