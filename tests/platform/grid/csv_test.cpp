@@ -1,0 +1,201 @@
+// CSV reading and writing of the sheet.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include "grid_fixture.h"
+
+namespace {
+
+using zvgrid::Column;
+using zvgrid::Columns;
+using zvgrid::kMissing;
+
+using CsvTest = GridTest;
+using namespace std::string_literals;
+
+TEST_F(CsvTest, TypesColumnsByTheirNonEmptyCells) {
+  Load(
+      "Weight,Group,Empty,Mixed,Code\n"
+      "70.5,a,,1,\"01\"\n"
+      ",b,,x,\"02\"\n"
+      "-1e3,,,2,\n");
+  const std::vector<Column>& columns = Columns();
+  ASSERT_EQ(columns.size(), 5u);
+  EXPECT_EQ(columns[0].type, 'N');
+  EXPECT_EQ(columns[0].numbers, (std::vector<double>{70.5, kMissing, -1000.0}));
+  EXPECT_EQ(columns[1].type, 'C');
+  EXPECT_EQ(columns[1].texts, (std::vector<std::string>{"a", "b", ""}));
+  EXPECT_EQ(columns[1].width, 1);
+  // No value at all: numeric, every cell missing.
+  EXPECT_EQ(columns[2].type, 'N');
+  EXPECT_EQ(columns[2].numbers, (std::vector<double>{kMissing, kMissing, kMissing}));
+  // One cell that is not a number makes the whole column text.
+  EXPECT_EQ(columns[3].type, 'C');
+  EXPECT_EQ(columns[3].texts, (std::vector<std::string>{"1", "x", "2"}));
+  // Numbers in quotes are texts.
+  EXPECT_EQ(columns[4].type, 'C');
+  EXPECT_EQ(columns[4].width, 2);
+  EXPECT_EQ(zvgrid::RowCount(), 3);
+}
+
+TEST_F(CsvTest, ReadsQuotesLineEndsAndBlanks) {
+  struct Row {
+    int line;
+    std::string csv;
+    std::vector<std::string> texts;  // column B
+  };
+  const Row rows[] = {
+      {__LINE__, "A,B\r\n1,x\r\n2,y\r\n", {"x", "y"}},
+      {__LINE__, "A,B\n1,x\n2,y", {"x", "y"}},
+      {__LINE__, "A,B\r1,x\r2,y\r", {"x", "y"}},
+      {__LINE__, "\xEF\xBB\xBF" "A,B\n1,x\n2,y\n", {"x", "y"}},
+      {__LINE__, "A,B\n1,\"x,\"\"q\"\"\"\n2,\"two\r\nlines\"\n", {"x,\"q\"", "two\r\nlines"}},
+      {__LINE__, "A,B\n1,  x y  \n2,\" padded \"  \n", {"x y", " padded "}},
+      {__LINE__, "A,B\n\n1,x\n   \n2,y\n\n\n", {"x", "y"}},
+      {__LINE__, "A,B\n1,5'11\"\n2,y\n", {"5'11\"", "y"}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    Load(row.csv);
+    ASSERT_EQ(Columns().size(), 2u);
+    EXPECT_EQ(Columns()[0].name, "A");
+    EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{1.0, 2.0}));
+    EXPECT_EQ(Columns()[1].texts, row.texts);
+  }
+}
+
+TEST_F(CsvTest, PadsShortRowsAndAcceptsEmptyExtraFields) {
+  Load("A,B,C\n1,x\n2,y,3,,\n4\n");
+  EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{1, 2, 4}));
+  EXPECT_EQ(Columns()[1].texts, (std::vector<std::string>{"x", "y", ""}));
+  EXPECT_EQ(Columns()[2].numbers, (std::vector<double>{kMissing, 3, kMissing}));
+}
+
+TEST_F(CsvTest, NumbersFollowOneGrammar) {
+  struct Row {
+    int line;
+    std::string cell;
+    double value;  // kMissing: the cell is not a number
+  };
+  const Row rows[] = {
+      {__LINE__, "12", 12.0},         {__LINE__, "+1.5", 1.5},
+      {__LINE__, "-.25", -0.25},      {__LINE__, "3.", 3.0},
+      {__LINE__, "1E-2", 0.01},       {__LINE__, "2e+3", 2000.0},
+      {__LINE__, "1e-400", 0.0},      {__LINE__, "1e400", kMissing},
+      {__LINE__, "inf", kMissing},    {__LINE__, "nan", kMissing},
+      {__LINE__, "0x10", kMissing},   {__LINE__, "1e", kMissing},
+      {__LINE__, "1 2", kMissing},    {__LINE__, ".", kMissing},
+      {__LINE__, "--1", kMissing},    {__LINE__, "1.2.3", kMissing},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    Load("A\n" + row.cell + "\n");
+    if (row.value == kMissing) {
+      EXPECT_EQ(Columns()[0].type, 'C');
+    } else {
+      ASSERT_EQ(Columns()[0].type, 'N');
+      EXPECT_EQ(Columns()[0].numbers[0], row.value);
+    }
+  }
+}
+
+TEST_F(CsvTest, RefusesMalformedInputNamingTheLine) {
+  struct Row {
+    int line;
+    std::string csv;
+    std::string error;
+  };
+  const std::string wide = std::string(33, 'n');
+  std::string manyColumns = "c1";
+  for (int i = 2; i <= 257; ++i) manyColumns += ",c" + std::to_string(i);
+  const Row rows[] = {
+      {__LINE__, "A,a\n1,2\n", "Line 1: the name \"a\" appears twice."},
+      {__LINE__, "\n\nA,,B\n", "Line 3: column 2 has no name."},
+      {__LINE__, "A, \"\" \n", "Line 1: column 2 has no name."},
+      {__LINE__, wide + "\n", "Line 1: the name \"" + wide + "\" is longer than 32 characters."},
+      {__LINE__, manyColumns + "\n", "Line 1: the header names 257 columns; a sheet holds at most 256."},
+      {__LINE__, "A,B\n1,2\n3,4,5\n", "Line 3: 3 fields, but the header names 2 columns."},
+      {__LINE__, "A\n1\n\"two\nlines\n", "Line 3: a quoted field is not closed."},
+      {__LINE__, "A\n\"x\"y\n", "Line 2: text follows the closing quote of a field."},
+      {__LINE__, "A\n1\n2\0\n"s, "Line 3: the text holds a zero byte."},
+      {__LINE__, "A\n" + std::string(128, 'x') + "\n",
+       "Line 2: the cell of column \"A\" is longer than 127 characters."},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    Load("Kept\n1\n");
+    std::string error;
+    EXPECT_FALSE(zvgrid::LoadCsvText(row.csv, &error));
+    EXPECT_EQ(error, row.error);
+    // A refused file leaves the sheet as it was.
+    ASSERT_EQ(Columns().size(), 1u);
+    EXPECT_EQ(Columns()[0].name, "Kept");
+  }
+}
+
+TEST_F(CsvTest, AcceptsTheLimits) {
+  std::string header = "c1";
+  for (int i = 2; i <= 256; ++i) header += ",c" + std::to_string(i);
+  Load(header + "\n" + std::string(127, 'x') + "\n");
+  EXPECT_EQ(Columns().size(), 256u);
+  EXPECT_EQ(Columns()[0].width, 127);
+  Load(std::string(32, 'n') + "\n1\n");
+  EXPECT_EQ(Columns()[0].name, std::string(32, 'n'));
+  Load("");
+  EXPECT_TRUE(Columns().empty());
+  EXPECT_EQ(zvgrid::SaveCsvText(), "");
+}
+
+TEST_F(CsvTest, SavesWhatItReadsBack) {
+  const std::string original =
+      "Name,Weight,Code,Note,Only missing\r\n"
+      "Ann,70.25,\"007\",\"a, \"\"b\"\"\",\r\n"
+      "Bob,,\"-3\",\" lead\",\r\n"
+      ",0.1,x,\"two\nlines\",\r\n";
+  Load(original);
+  EXPECT_EQ(zvgrid::SaveCsvText(), original);
+
+  zvgrid::ClearSheet();
+  ASSERT_TRUE(zvgrid::AddNumericColumn("x", {1e-300, -0.0, 123456789012345678.0, 1.0 / 3.0}));
+  ASSERT_TRUE(zvgrid::AddTextColumn("t", {"1e5", "", "  ", "q\"q"}));
+  const std::vector<Column> before = Columns();
+  Load(zvgrid::SaveCsvText());
+  ASSERT_EQ(Columns().size(), 2u);
+  EXPECT_EQ(Columns()[0].numbers, before[0].numbers);
+  EXPECT_EQ(Columns()[1].type, 'C');
+  EXPECT_EQ(Columns()[1].texts, before[1].texts);
+}
+
+TEST_F(CsvTest, KeepsTrailingMissingRowsOfAOneColumnSheet) {
+  ASSERT_TRUE(zvgrid::AddNumericColumn("x", {1.0, kMissing, kMissing}));
+  const std::string saved = zvgrid::SaveCsvText();
+  EXPECT_EQ(saved, "x\r\n1\r\n\"\"\r\n\"\"\r\n");
+  Load(saved);
+  EXPECT_EQ(zvgrid::RowCount(), 3);
+  EXPECT_EQ(Columns()[0].type, 'N');
+}
+
+TEST_F(CsvTest, PadsShorterColumnsWhenSaving) {
+  ASSERT_TRUE(zvgrid::AddNumericColumn("long", {1, 2, 3}));
+  ASSERT_TRUE(zvgrid::AddTextColumn("short", {"a"}));
+  EXPECT_EQ(zvgrid::SaveCsvText(), "long,short\r\n1,a\r\n2,\r\n3,\r\n");
+}
+
+TEST_F(CsvTest, LoadsAndSavesFiles) {
+  const std::string path = ::testing::TempDir() + "zvgrid_csv_test.csv";
+  Load("A,B\n1,x\n");
+  std::string error;
+  ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;
+  zvgrid::ClearSheet();
+  ASSERT_TRUE(zvgrid::LoadCsvFile(path, &error)) << error;
+  EXPECT_EQ(Columns()[1].texts, (std::vector<std::string>{"x"}));
+  std::remove(path.c_str());
+  EXPECT_FALSE(zvgrid::LoadCsvFile(path, &error));
+  EXPECT_EQ(error, "Cannot open \"" + path + "\".");
+  EXPECT_FALSE(zvgrid::SaveCsvFile("/nonexistent-folder/x.csv", &error));
+  EXPECT_EQ(error, "Cannot write \"/nonexistent-folder/x.csv\".");
+}
+
+}  // namespace
