@@ -1,0 +1,25 @@
+// Starting the Host for a command: the module loaded from its usual place,
+// message boxes echoed to a stream, and the folders the command reads from.
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "zvhost/host.h"
+
+namespace zivara {
+
+// A Host with the module loaded; nullptr after writing the reason to err.
+// Every message box goes to `messages` as "CAPTION: TEXT".
+std::unique_ptr<zvhost::Host> StartHost(std::ostream& messages, std::ostream& err);
+
+// The folder of the bundled sample sheets: $ZIVARA_DATA, else the source
+// folder the build was configured with.
+std::string DataFolder();
+std::string SampleSheetOf(const zvhost::FamilySpec& family);
+
+// Loads a CSV sheet into the data sheet; false after writing the reason.
+bool LoadSheet(const std::string& path, std::ostream& err);
+
+}  // namespace zivara

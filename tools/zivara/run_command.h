@@ -1,0 +1,24 @@
+// zivara run PROCEDURE [--sheet FILE] [--var N=TEXT]... [--select TEXT]
+//   [--opts ITEM CONTROL=VALUE[,CONTROL=VALUE]...]... [--pane N]... [--graphs DIR]
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zivara {
+
+struct RunOptions {
+  std::string procedure;
+  std::string sheet;                 // empty: the family's bundled sample sheet
+  std::vector<std::string> variables;  // "N=TEXT"
+  std::optional<std::string> select;
+  std::vector<std::string> options;  // ITEM, SETTINGS, ITEM, SETTINGS, ...
+  std::vector<int> panes;
+  std::string graphs;                // folder for the graph pictures; empty: none
+};
+
+int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err);
+
+}  // namespace zivara

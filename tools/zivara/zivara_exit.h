@@ -1,0 +1,10 @@
+// The exit statuses of the zivara command.
+#pragma once
+
+namespace zivara {
+
+inline constexpr int kExitRan = 0;       // the analysis ran, also when it ended with a status
+inline constexpr int kExitFault = 1;     // an internal fault: module missing, lock left, ...
+inline constexpr int kExitRefused = 2;   // the input was refused
+
+}  // namespace zivara
