@@ -117,11 +117,14 @@ struct WinDialog::Impl {
   }
 
   // Puts the window system back as it was when a run ends, also when an
-  // exception leaves a handler.
+  // exception leaves a handler; the driver then hears of a cancel.
   class RunGuard {
    public:
-    explicit RunGuard(Impl& impl) : impl_(impl), previousActive_(WinGetActiveWindow()) {}
+    RunGuard(Impl& impl, WinDialog& dialog)
+        : impl_(impl), dialog_(dialog), previousActive_(WinGetActiveWindow()) {}
+    void Closed() { closed_ = true; }
     ~RunGuard() {
+      if (!closed_ && State().driver != nullptr) State().driver->DialogClosed(dialog_, kIdCancel);
       WinDestroyWindow(impl_.window);
       impl_.window = 0;
       impl_.controls.clear();
@@ -134,7 +137,9 @@ struct WinDialog::Impl {
 
    private:
     Impl& impl_;
+    WinDialog& dialog_;
     WindowRef previousActive_;
+    bool closed_ = false;
   };
 
   bool Perform(WinDialog& dialog, const DialogAction& action);
@@ -179,7 +184,7 @@ int32_t WinDialog::DoModal() {
     return -1;
   }
 
-  Impl::RunGuard guard(d);
+  Impl::RunGuard guard(d, *this);
   d.caption = tmpl->caption;
   d.controls.clear();
   for (const ControlTemplate& t : tmpl->controls) {
@@ -240,6 +245,7 @@ int32_t WinDialog::DoModal() {
       run.finalTexts.emplace_back(c.id, c.text);
     }
   }
+  guard.Closed();
   driver = State().driver;
   if (driver != nullptr) driver->DialogClosed(*this, run.result);
   State().log.push_back(run);

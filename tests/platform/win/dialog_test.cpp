@@ -328,3 +328,27 @@ TEST_F(DialogTest, ScriptedDriverPlaysNestedDialogsInOrder) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(DialogTest, ExceptionFromAHandlerLeavesNoDeadDialogBehind) {
+  WindowRef frame = WinCreateWindow("frame");
+  WinSetActiveWindow(frame);
+  ScriptedDialogDriver driver({{500, {Act::Press(121)}}, {500, {Act::Press(kIdOk)}}});
+  WinSetDialogDriver(&driver);
+  {
+    RecordingDialog dialog;
+    dialog.onCommand = [](RecordingDialog&, int32_t) { throw std::runtime_error("abort"); };
+    EXPECT_THROW(dialog.DoModal(), std::runtime_error);
+    EXPECT_EQ(dialog.window(), 0u);
+    EXPECT_EQ(WinGetActiveWindow(), frame);
+  }
+  RecordingDialog next;
+  next.onCommand = nullptr;
+  EXPECT_EQ(next.DoModal(), kIdCancel);  // gets the second script: OK is refused, then cancel
+  EXPECT_EQ(next.events, (std::vector<std::string>{"ok", "cancel"}));
+  EXPECT_TRUE(driver.Unexpected().empty());
+  WinDestroyWindow(frame);
+}
+
+}  // namespace

@@ -50,7 +50,8 @@ int32_t WinGlobalLockCount(Handle block);
 
 void WinSetMovingBlocks(bool on);       // default: on in test builds (ZV_MOVE_BLOCKS) or
                                         // when ZIVARA_MOVE_BLOCKS=1
-void WinFailAllocationsAfter(int32_t n);  // the (n+1)-th allocation from now fails; -1: never
+void WinFailAllocationsAfter(int32_t n);  // the (n+1)-th allocation from now fails, once;
+                                          // -1: never
 size_t WinLiveBlockCount();
 size_t WinLockedBlockCount();           // blocks with a lock count above 0
 
@@ -79,7 +80,7 @@ enum WinAnswer : int32_t { kIdOk = 1, kIdCancel = 2, kIdYes = 6, kIdNo = 7 };
 
 struct MessageBoxCall {
   WindowRef owner;
-  std::string text;
+  std::string text = {};
   std::string caption;
   uint32_t style;
   int32_t answer;  // what the box returned
@@ -160,7 +161,7 @@ enum class ControlKind { kStatic, kEdit, kMultiLineEdit, kCheckBox, kRadio, kLis
 struct ControlTemplate {
   int32_t id;
   ControlKind kind;
-  std::string text;
+  std::string text = {};
   bool groupStart = false;  // starts a radio group, which runs to the next control with it set
   bool disabled = false;    // starts disabled
 };
@@ -216,7 +217,7 @@ struct DialogAction {
   };
   Kind kind;
   int32_t control = 0;
-  std::string text;
+  std::string text = {};
   int32_t value = 0;
   int32_t value2 = 0;
 
@@ -247,7 +248,8 @@ class WinDialogDriver {
   // The next action for this dialog, or nothing to give up (Cancel).
   virtual std::optional<DialogAction> NextAction(WinDialog& dialog) = 0;
   // Around each run, after the controls are built (before OnInitDialog) and
-  // after the dialog has ended. Dialogs nest when a handler opens another.
+  // after the dialog has ended (with kIdCancel when an exception left it).
+  // Dialogs nest when a handler opens another.
   virtual void DialogOpened(WinDialog& dialog) { (void)dialog; }
   virtual void DialogClosed(WinDialog& dialog, int32_t result) {
     (void)dialog;
@@ -353,7 +355,7 @@ class WinDialog {
   void GetSelection(int32_t id, int32_t* start, int32_t* end) const;
   void SetSelection(int32_t id, int32_t start, int32_t end);
   void ReplaceSelection(int32_t id, std::string_view text);
-  int32_t LineFromChar(int32_t id, int32_t position) const;
+  int32_t LineFromChar(int32_t id, int32_t position) const;  // position -1: the caret
   void ScrollToLine(int32_t id, int32_t firstVisibleLine);
   int32_t FirstVisibleLine(int32_t id) const;
 
