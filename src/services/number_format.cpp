@@ -25,7 +25,7 @@ int32_t SixDigits(double magnitude, char digits[6]) {
   std::memcpy(digits + 1, text + 2, 5);
   int32_t exponent = 0;
   const char* e = text + 7;  // the 'e'
-  std::from_chars(e[1] == '+' ? e + 2 : e + 1, result.ptr, exponent);
+  std::from_chars(e + 2, result.ptr, exponent);  // after the sign
   return (e[1] == '-' ? -exponent : exponent) + 1;
 }
 
