@@ -1,0 +1,597 @@
+#include "services/graph_pane.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "frame/messages.h"
+#include "frame/module_state.h"
+#include "services/movable_block.h"
+#include "services/variables.h"
+#include "zvchart/zvchart.h"
+
+namespace zv {
+
+std::string gXTitle;
+std::string gYTitle;
+std::string gZTitle;
+std::string gLegendTitle;
+std::string gMainTitle;
+std::string gSubTitle;
+
+namespace {
+
+constexpr int32_t kAddedTextFlagMarker = -999;
+constexpr double kPositionScale = 100000.0;
+constexpr double kPositionOrigin = 500000.0;
+
+// The graph being built. One for the module: one graph at a time.
+struct GraphScratch {
+  std::vector<int32_t> textItems;  // kTextItemWords per item
+  std::vector<std::string> textStrings;
+  std::vector<int32_t> textNumbers;  // kTextNumberWords per string
+  int32_t keptItemCount = 0;         // items taken over from the last graph
+  int32_t restoring = 0;             // 1 while the last graph's text is in force
+  bool active = false;               // from a BeginGraph that succeeded to EndGraph
+  bool failed = false;               // a list could not grow: nothing is drawn
+  GraphLists lists;
+};
+
+GraphScratch gScratch;
+
+// Runs `grow`, which either completes or throws std::bad_alloc before it
+// changes anything. A failure shows string 1001 once per graph.
+template <class F>
+bool Guarded(F&& grow) {
+  try {
+    grow();
+    return true;
+  } catch (const std::bad_alloc&) {
+    if (!gScratch.failed) ShowError(1001);
+    gScratch.failed = true;
+    return false;
+  }
+}
+
+void ClearScratch(GraphScratch& s) {
+  s.textItems.clear();
+  s.textStrings.clear();
+  s.textNumbers.clear();
+  s.keptItemCount = 0;
+  s.lists = GraphLists{};
+}
+
+// Titles and legends that the user may have edited come back from the last
+// graph; tick and factor labels are always made from the current scales.
+bool IsKeptKind(int32_t kind) { return kind < 6 || kind == 12 || kind == 13 || kind == 19; }
+
+bool KeptHasKind(const GraphScratch& s, int32_t kind) {
+  for (int32_t i = 0; i < s.keptItemCount; ++i) {
+    if (s.textItems[static_cast<size_t>(i) * kTextItemWords + 1] == kind) return true;
+  }
+  return false;
+}
+
+// ---------------------------------------------------------------------------
+// The option blocks of ChartGetDefaults and ChartPutOptions: which record
+// fields the 660 integer words and the 15 reals stand for.
+
+struct WordRun {
+  uint16_t firstWord;
+  uint16_t offset;  // into PaneRecord
+  uint16_t count;
+};
+
+constexpr WordRun kIntegerWordRuns[] = {
+    {0, offsetof(PaneRecord, optionWord0), 1},
+    {1, offsetof(PaneRecord, optionWord1), 2},
+    {3, offsetof(PaneRecord, frameKind), 3},
+    {6, offsetof(PaneRecord, optionWords6to8), 3},
+    {9, offsetof(PaneRecord, tickSide), 3},
+    {12, offsetof(PaneRecord, minorOn), 3},
+    {15, offsetof(PaneRecord, tickLength), 3},
+    {18, offsetof(PaneRecord, optionWord18), 1},
+    {19, offsetof(PaneRecord, textStyleE), 6 * 20},  // E to J
+    {139, offsetof(PaneRecord, textStyleA), 4 * 20},  // A to D
+    {219, offsetof(PaneRecord, textStyleK), 4 * 20},  // K to N
+    {299, offsetof(PaneRecord, textStyleO), 20},
+    {639, offsetof(PaneRecord, legendOn), 1},
+    {640, offsetof(PaneRecord, optionWord640), 2},
+    {642, offsetof(PaneRecord, axisFixed), 4},
+    {646, offsetof(PaneRecord, viewAngle), 2},
+    {648, offsetof(PaneRecord, optionWord648), 1},
+    {653, offsetof(PaneRecord, optionWord653), 1},
+    {654, offsetof(PaneRecord, optionWord654), 2},
+    {656, offsetof(PaneRecord, optionWords656to659), 4},
+};
+// Words 319 to 638 carry one byte each of the record's option bytes.
+constexpr uint16_t kByteWordFirst = 319;
+constexpr uint16_t kByteWordCount = 320;
+constexpr uint16_t kByteWordOffset = offsetof(PaneRecord, optionBytes);
+
+constexpr WordRun kRealRuns[] = {
+    {0, offsetof(PaneRecord, optionReals0to3), 4},
+    {4, offsetof(PaneRecord, optionReals4to10), 7},
+    {11, offsetof(PaneRecord, legendBox), 4},
+};
+
+static_assert(offsetof(PaneRecord, textStyleE) + 6 * 80 == offsetof(PaneRecord, textStyleK));
+static_assert(offsetof(PaneRecord, textStyleA) + 4 * 80 == offsetof(PaneRecord, textStyleE));
+static_assert(offsetof(PaneRecord, textStyleK) + 4 * 80 == offsetof(PaneRecord, optionWord653));
+static_assert(offsetof(PaneRecord, tickLength) + 8 == offsetof(PaneRecord, optionWord17));
+static_assert(kByteWordFirst + kByteWordCount - 1 == 638);
+
+void OptionsFromRecord(const PaneRecord& pane, int32_t* words, double* reals) {
+  const auto* base = reinterpret_cast<const unsigned char*>(&pane);
+  for (const WordRun& run : kIntegerWordRuns) {
+    std::memcpy(words + run.firstWord, base + run.offset, run.count * sizeof(int32_t));
+  }
+  for (uint16_t i = 0; i < kByteWordCount; ++i) words[kByteWordFirst + i] = base[kByteWordOffset + i];
+  for (const WordRun& run : kRealRuns) {
+    std::memcpy(reals + run.firstWord, base + run.offset, run.count * sizeof(double));
+  }
+}
+
+void OptionsToRecord(const int32_t* words, const double* reals, PaneRecord& pane) {
+  auto* base = reinterpret_cast<unsigned char*>(&pane);
+  for (const WordRun& run : kIntegerWordRuns) {
+    std::memcpy(base + run.offset, words + run.firstWord, run.count * sizeof(int32_t));
+  }
+  for (uint16_t i = 0; i < kByteWordCount; ++i) {
+    base[kByteWordOffset + i] = static_cast<unsigned char>(words[kByteWordFirst + i]);
+  }
+  for (const WordRun& run : kRealRuns) {
+    std::memcpy(base + run.offset, reals + run.firstWord, run.count * sizeof(double));
+  }
+}
+
+// ---------------------------------------------------------------------------
+
+int32_t TruncateToInt32(double v) {
+  if (!(v > -2147483648.0)) return std::numeric_limits<int32_t>::min();  // NaN too
+  if (v >= 2147483647.0) return std::numeric_limits<int32_t>::max();
+  return static_cast<int32_t>(v);
+}
+
+// Copies the last graph's titles and legends into the scratch, in order,
+// skipping the items of other kinds with their strings. false when the
+// stored blocks cannot be had.
+bool TakeOldTextBack(const PaneRecord& pane, GraphScratch& s) {
+  LockedBlock<int32_t> items(pane.textItems);
+  LockedBlock<char> strings(pane.textStrings);
+  LockedBlock<double> numbers(pane.textNumbers);
+  if (!items || !strings || !numbers) return false;
+  // The counts are the Host's: never read beyond the blocks.
+  const size_t itemCount =
+      std::min<size_t>(std::max(pane.textItemCount, 0), items.size() / kTextItemWords);
+  const size_t stringCount =
+      std::min({static_cast<size_t>(std::max(pane.textStringCount, 0)),
+                static_cast<size_t>(std::max(pane.textNumberCount, 0)),
+                strings.size() / kTextStringBytes, numbers.size() / kTextNumberWords});
+  size_t next = 0;
+  for (size_t i = 0; i < itemCount; ++i) {
+    const int32_t* item = &items[i * kTextItemWords];
+    const size_t first = next;
+    next = std::min(stringCount, next + static_cast<size_t>(std::max(item[0], 0)));
+    if (!IsKeptKind(item[1]) || first == next) continue;
+    s.textItems.insert(s.textItems.end(), item, item + kTextItemWords);
+    s.textItems[s.textItems.size() - kTextItemWords] = static_cast<int32_t>(next - first);
+    for (size_t j = first; j < next; ++j) {
+      const double* number = &numbers[j * kTextNumberWords];
+      const int32_t length =
+          std::clamp(TruncateToInt32(number[3]), 0, static_cast<int32_t>(kTextStringBytes));
+      s.textStrings.emplace_back(&strings[j * kTextStringBytes], static_cast<size_t>(length));
+      s.textNumbers.push_back(EncodeTextPosition(number[0]));
+      s.textNumbers.push_back(EncodeTextPosition(number[1]));
+      s.textNumbers.push_back(EncodeTextPosition(number[2]));
+      s.textNumbers.push_back(length);
+      for (int k = 4; k < kTextNumberWords; ++k) s.textNumbers.push_back(TruncateToInt32(number[k]));
+    }
+    ++s.keptItemCount;
+  }
+  return true;
+}
+
+void BlankTitleLines(const PaneRecord& pane) {
+  LockedBlock<char> lines(pane.titleLines);
+  if (lines) std::memset(lines.get(), ' ', lines.size());
+  LockedBlock<int32_t> lengths(pane.titleLengths);
+  if (lengths) std::fill(lengths.get(), lengths.get() + lengths.size(), 0);
+}
+
+void ResetRecord(PaneRecord& pane, int32_t keep, int32_t restoring) {
+  for (int axis = 0; axis < 3; ++axis) pane.dataRange[axis] = {0.1, 0.1};
+  pane.frameStyle = pane.majorX = pane.majorY = pane.intervalsX = pane.intervalsY = 0;
+  for (int axis = 0; axis < 4; ++axis) {
+    pane.axes[axis] = PaneAxis{};
+    pane.axes[axis].type = axis < 3 ? axis + 1 : 0;
+  }
+  BlankTitleLines(pane);
+  std::fill(std::begin(pane.secondAxisState), std::end(pane.secondAxisState), 0);
+  pane.legendOn = 0;
+  if (!restoring) {
+    pane.optionWord640 = pane.optionWord641 = pane.clearedWord = 0;
+    std::fill(std::begin(pane.axisFixed), std::end(pane.axisFixed), 0);
+    pane.optionWord654 = 0;
+    std::fill(std::begin(pane.optionWords656to659), std::end(pane.optionWords656to659), 0);
+    pane.optionWord655 = 50;
+    gAddedText.clear();
+  }
+  if (!keep) {
+    for (int axis = 0; axis < 4; ++axis) {
+      if (pane.axisFixed[axis] != 0) continue;
+      pane.axisSet[axis] = 0;
+      pane.scale[axis] = {0.0, 1.0};
+      pane.logScale[axis] = 0;
+      pane.factorOn[axis] = 1;
+    }
+  }
+  pane.textItemCount = pane.textStringCount = pane.textNumberCount = 0;
+  for (std::string* title : {&gXTitle, &gYTitle, &gZTitle, &gLegendTitle, &gMainTitle, &gSubTitle}) {
+    title->clear();
+  }
+}
+
+// Index of the last item of `kind`, or -1.
+int32_t LastItemOfKind(const GraphScratch& s, int32_t kind) {
+  for (size_t i = s.textItems.size() / kTextItemWords; i-- > 0;) {
+    if (s.textItems[i * kTextItemWords + 1] == kind) return static_cast<int32_t>(i);
+  }
+  return -1;
+}
+
+void AppendNumbers(GraphScratch& s, size_t at, double x, double y, double z, size_t length) {
+  const int32_t entry[kTextNumberWords] = {EncodeTextPosition(x), EncodeTextPosition(y),
+                                           EncodeTextPosition(z), static_cast<int32_t>(length),
+                                           0, 0, 0, 0};
+  s.textNumbers.insert(s.textNumbers.begin() + static_cast<ptrdiff_t>(at * kTextNumberWords),
+                       entry, entry + kTextNumberWords);
+}
+
+void ReserveOneMore(GraphScratch& s) {
+  s.textItems.reserve(s.textItems.size() + kTextItemWords);
+  s.textStrings.reserve(s.textStrings.size() + 1);
+  s.textNumbers.reserve(s.textNumbers.size() + kTextNumberWords);
+}
+
+uint32_t PackedColor(const PaneRecord& pane, int index) {
+  // Four bytes of the option area, byte 3 the highest.
+  unsigned char bytes[4];
+  std::memcpy(bytes, reinterpret_cast<const unsigned char*>(&pane.textColor[index]), 4);
+  return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
+         static_cast<uint32_t>(bytes[2]) << 16 | static_cast<uint32_t>(bytes[3]) << 24;
+}
+
+// Writes the scratch's text into fresh record blocks. false when a block
+// could not be had; the record then holds no text.
+bool StoreText(PaneRecord& pane, const GraphScratch& s) {
+  const size_t items = s.textItems.size() / kTextItemWords;
+  const size_t strings = s.textStrings.size();
+  FreeGlobal(&pane.textItems);
+  FreeGlobal(&pane.textStrings);
+  FreeGlobal(&pane.textNumbers);
+  pane.textItemCount = pane.textStringCount = pane.textNumberCount = 0;
+  // At least one entry each, so that a graph without text still counts as a
+  // pane's earlier graph at the next build.
+  const uint64_t itemBytes = std::max<uint64_t>(items, 1) * kTextItemWords * sizeof(int32_t);
+  const uint64_t stringBytes = std::max<uint64_t>(strings, 1) * kTextStringBytes;
+  const uint64_t numberBytes = std::max<uint64_t>(strings, 1) * kTextNumberWords * sizeof(double);
+  if (numberBytes > std::numeric_limits<uint32_t>::max()) {
+    ShowError(1001);
+    return false;
+  }
+  pane.textItems = AllocGlobal(static_cast<uint32_t>(itemBytes));
+  if (pane.textItems != 0) pane.textStrings = AllocGlobal(static_cast<uint32_t>(stringBytes));
+  if (pane.textStrings != 0) pane.textNumbers = AllocGlobal(static_cast<uint32_t>(numberBytes));
+  if (pane.textNumbers == 0) {
+    FreeGlobal(&pane.textItems);
+    FreeGlobal(&pane.textStrings);
+    return false;
+  }
+  pane.textItemCount = static_cast<int32_t>(items);
+  pane.textStringCount = static_cast<int32_t>(strings);
+  pane.textNumberCount = static_cast<int32_t>(strings);
+
+  LockedBlock<int32_t> itemBlock(pane.textItems);
+  LockedBlock<char> stringBlock(pane.textStrings);
+  LockedBlock<double> numberBlock(pane.textNumbers);
+  if (!itemBlock || !stringBlock || !numberBlock) return false;
+  std::copy(s.textItems.begin(), s.textItems.end(), itemBlock.get());
+  for (size_t j = 0; j < strings; ++j) {
+    char* target = &stringBlock[j * kTextStringBytes];
+    const std::string& text = s.textStrings[j];
+    const size_t length = std::min<size_t>(text.size(), kTextStringBytes);
+    std::memcpy(target, text.data(), length);
+    std::memset(target + length, ' ', kTextStringBytes - length);
+    const int32_t* number = &s.textNumbers[j * kTextNumberWords];
+    double* out = &numberBlock[j * kTextNumberWords];
+    for (int k = 0; k < 3; ++k) out[k] = DecodeTextPosition(number[k]);
+    for (int k = 3; k < kTextNumberWords; ++k) out[k] = number[k];
+  }
+  return true;
+}
+
+// List B as interleaved points (x, y, [z,] id) in a fresh block; 0 when the
+// block could not be had.
+Handle InterleavePairs(const GraphLists& lists, size_t pairs) {
+  const size_t width = static_cast<size_t>(lists.pointWidth);
+  const uint64_t bytes = static_cast<uint64_t>(pairs) * width * sizeof(double);
+  if (bytes > std::numeric_limits<uint32_t>::max()) {
+    ShowError(1001);
+    return 0;
+  }
+  const Handle block = AllocGlobal(static_cast<uint32_t>(bytes));
+  if (block == 0) return 0;
+  LockedBlock<double> points(block);
+  if (!points) return block;
+  for (size_t i = 0; i < pairs; ++i) {
+    double* p = &points[i * width];
+    *p++ = lists.pairX[i];
+    *p++ = lists.pairY[i];
+    if (width > 3) *p++ = lists.pairZ[i];
+    *p = lists.pairId[i];
+  }
+  return block;
+}
+
+size_t PairCount(const GraphLists& lists) {
+  size_t pairs = std::min({lists.pairX.size(), lists.pairY.size(), lists.pairId.size()});
+  if (lists.pointWidth > 3) pairs = std::min(pairs, lists.pairZ.size());
+  return pairs;
+}
+
+template <class T>
+bool ResizeList(std::vector<T>& list, size_t size) {
+  try {
+    list.resize(size);
+    return true;
+  } catch (const std::bad_alloc&) {
+    ShowError(1001);
+    return false;
+  }
+}
+
+}  // namespace
+
+GraphLists& CurrentGraphLists() { return gScratch.lists; }
+
+bool ResizeGraphList(std::vector<double>& list, size_t size) { return ResizeList(list, size); }
+bool ResizeGraphList(std::vector<int32_t>& list, size_t size) { return ResizeList(list, size); }
+
+int32_t EncodeTextPosition(double value) {
+  return TruncateToInt32(value * kPositionScale + kPositionOrigin);
+}
+
+double DecodeTextPosition(double stored) { return (stored - kPositionOrigin) * 0.00001; }
+
+int32_t BeginGraph(int32_t keepScales, int32_t rowCount) {
+  GraphScratch& s = gScratch;
+  s.active = false;
+  s.failed = false;
+  s.restoring = 0;
+  PaneRecord* pane = gCurrentPane;
+  if (pane == nullptr || gHost == nullptr) return 0;
+  HostRecord& host = *gHost;
+
+  // The Host may ask for a rebuild that keeps the axes, and so does a graph
+  // that is to show the Host's added caption.
+  int32_t keep = keepScales;
+  if (pane->graphId == host.graphKeepId) keep = 1;
+  host.graphKeepId = -1;
+  if (host.graphRebuilds > 0) {
+    keep = 1;
+    --host.graphRebuilds;
+  }
+  if (!gAddedText.empty()) keep = 1;
+
+  if (pane->graphId != 0) ChartRelease(pane->graphId);
+  pane->graphId = host.nextGraphId++;
+  pane->rowCount = rowCount;
+
+  int32_t words[kIntegerOptionWords] = {};
+  double reals[kRealOptionCount] = {};
+  if (pane->textItems == 0) {  // the pane's first graph
+    ChartGetDefaults(words, reals);
+    OptionsToRecord(words, reals, *pane);
+  }
+  OptionsFromRecord(*pane, words, reals);
+  ChartPutOptions(words, reals, 1);
+
+  ClearScratch(s);
+  FreeGlobal(&pane->titleLines);
+  FreeGlobal(&pane->titleLengths);
+  pane->titleLines = AllocGlobal(kTitleLineCount * kTitleLineBytes);
+  if (pane->titleLines != 0) pane->titleLengths = AllocGlobal(kTitleLineCount * sizeof(int32_t));
+  if (pane->titleLengths == 0) {
+    FreeGlobal(&pane->titleLines);  // AllocGlobal has shown string 1001
+    return 0;
+  }
+
+  if (pane->textItems != 0) {
+    bool taken = false;
+    if (Guarded([&] { taken = TakeOldTextBack(*pane, s); }) && taken) {
+      s.restoring = 1;
+    } else {
+      ClearScratch(s);
+    }
+  }
+  ResetRecord(*pane, keep, s.restoring);
+  s.active = true;
+  return pane->graphId;
+}
+
+void AddText(std::string_view text, int32_t kind, double x, double y, double z) {
+  GraphScratch& s = gScratch;
+  if (text.empty() || !s.active) return;
+  // What the user edited in the last graph wins over the fresh text.
+  if (s.restoring && IsKeptKind(kind) && KeptHasKind(s, kind)) return;
+  Guarded([&] {
+    std::string stored(text.substr(0, kTextStringBytes));
+    ReserveOneMore(s);
+    const size_t length = stored.size();
+    const int32_t item = LastItemOfKind(s, kind);
+    if (item < 0) {
+      const int32_t words[kTextItemWords] = {1, kind};
+      s.textItems.insert(s.textItems.end(), words, words + kTextItemWords);
+      AppendNumbers(s, s.textStrings.size(), x, y, z, length);
+      s.textStrings.push_back(std::move(stored));
+      return;
+    }
+    // The strings of all items stand in item order: the new one goes behind
+    // the last string of its item.
+    size_t at = 0;
+    for (int32_t i = 0; i <= item; ++i) {
+      at += static_cast<size_t>(std::max(s.textItems[static_cast<size_t>(i) * kTextItemWords], 0));
+    }
+    at = std::min(at, s.textStrings.size());
+    AppendNumbers(s, at, x, y, z, length);
+    s.textStrings.insert(s.textStrings.begin() + static_cast<ptrdiff_t>(at), std::move(stored));
+    ++s.textItems[static_cast<size_t>(item) * kTextItemWords];
+  });
+}
+
+void AddStyledText(std::string_view text, double x, double y, double z, int32_t style1,
+                   int32_t style2, int32_t style3, int32_t flag, int32_t last) {
+  GraphScratch& s = gScratch;
+  if (text.empty() || !s.active || gCurrentPane == nullptr) return;
+  if (s.restoring && flag != kAddedTextFlagMarker) return;
+  const PaneRecord& pane = *gCurrentPane;
+  Guarded([&] {
+    std::string stored(text.substr(0, kTextStringBytes));
+    ReserveOneMore(s);
+    const int32_t words[kTextItemWords] = {
+        1,
+        kTextFree,
+        style1,
+        style2,
+        style3,
+        flag == kAddedTextFlagMarker ? gAddedTextFlag : flag,
+        last,
+        static_cast<int32_t>(PackedColor(pane, 0)),
+        static_cast<int32_t>(PackedColor(pane, 1)),
+        static_cast<int32_t>(PackedColor(pane, 2)),
+        static_cast<int32_t>(PackedColor(pane, 3))};
+    s.textItems.insert(s.textItems.end(), words, words + kTextItemWords);
+    AppendNumbers(s, s.textStrings.size(), x, y, z, stored.size());
+    s.textStrings.push_back(std::move(stored));
+  });
+}
+
+void SetTitleLine(std::string_view text, int32_t line) {
+  if (gCurrentPane == nullptr || line < 1 || line > kTitleLineCount) return;
+  const size_t length = std::min<size_t>(text.size(), kTitleLineBytes);
+  const size_t index = static_cast<size_t>(line - 1);
+  LockedBlock<char> lines(gCurrentPane->titleLines);
+  LockedBlock<int32_t> lengths(gCurrentPane->titleLengths);
+  if (lines.size() < kTitleLineCount * kTitleLineBytes || lengths.size() < kTitleLineCount) return;
+  char* target = &lines[index * kTitleLineBytes];
+  std::memcpy(target, text.data(), length);
+  std::memset(target + length, ' ', kTitleLineBytes - length);
+  lengths[index] = static_cast<int32_t>(length);
+}
+
+void PlaceTitles() {
+  if (gCurrentPane == nullptr || (gMainTitle.empty() && gSubTitle.empty())) return;
+  const PaneRecord& pane = *gCurrentPane;
+  double t = pane.tickLength * 0.001;
+  if (pane.tickSide[0] == -1) t += pane.tickGap * 0.001;
+  const double h = pane.textStyleK[kTextSubTitle - 1] / 385.0;
+  const double shift = gSubTitle.empty() ? 0.0 : 1.5 * h;
+  if (pane.threeD == 0) {
+    const double y = 1.0 + t + 0.1 + shift;
+    AddText(gMainTitle, kTextMainTitle, 0.5, y, 0.0);
+    AddText(gSubTitle, kTextSubTitle, 0.5, y - 5.0 * h, 0.0);
+  } else {
+    const double y = 1.0 + t;
+    const double z = 1.15 + t + shift;
+    AddText(gMainTitle, kTextMainTitle, 0.5, y, z);
+    AddText(gSubTitle, kTextSubTitle, 0.5, y, z - 5.0 * h);
+  }
+}
+
+void EndGraph(PaneWindow* paneWindow, int32_t slot) {
+  GraphScratch& s = gScratch;
+  PaneRecord* pane = gCurrentPane;
+  if (!s.active || pane == nullptr) {
+    ClearScratch(s);
+    s.active = false;
+    return;
+  }
+  if (!gAddedText.empty()) {
+    const int32_t k = 19 - 1;
+    AddStyledText(gAddedText, 0.5, 1.05, 1.05, pane->textStyleK[k], pane->textStyleL[k],
+                  pane->textStyleM[k], kAddedTextFlagMarker, 4);
+    gAddedText.clear();
+  }
+
+  GraphLists& lists = s.lists;
+  if (lists.pointWidth < 3) lists.pointWidth = 3;
+  bool drawable = !s.failed;
+  const size_t pairs = PairCount(lists);
+  Handle interleaved = 0;
+  if (pairs > 0) {
+    interleaved = InterleavePairs(lists, pairs);
+    if (interleaved == 0) drawable = false;
+  }
+  if (!StoreText(*pane, s)) drawable = false;
+
+  if (drawable) {
+    pane->window = paneWindow != nullptr ? paneWindow->window : 0;
+    LockedBlock<double> pairPoints(interleaved);
+    LockedBlock<int32_t> items(pane->textItems);
+    LockedBlock<double> numbers(pane->textNumbers);
+    LockedBlock<char> strings(pane->textStrings);
+    LockedBlock<char> titleLines(pane->titleLines);
+    LockedBlock<int32_t> titleLengths(pane->titleLengths);
+    if (items && numbers && strings && titleLines && titleLengths &&
+        (interleaved == 0 || pairPoints)) {
+      const size_t width = static_cast<size_t>(lists.pointWidth);
+      const double* points = interleaved ? pairPoints.get() : lists.elementPoints.data();
+      const size_t pointCount = interleaved ? pairs : lists.elementPoints.size() / width;
+
+      double reals[28];
+      for (int axis = 0; axis < 4; ++axis) {
+        reals[2 * axis] = pane->dataRange[axis].low;
+        reals[2 * axis + 1] = pane->dataRange[axis].high;
+        reals[8 + 2 * axis] = pane->scale[axis].low;
+        reals[8 + 2 * axis + 1] = pane->scale[axis].span;
+      }
+      std::copy(std::begin(pane->chartReals), std::end(pane->chartReals), reals + 16);
+      int32_t words[26];
+      int32_t* w = words;
+      w = std::copy(std::begin(pane->logScale), std::end(pane->logScale), w);
+      w = std::copy(std::begin(pane->axisFixed), std::end(pane->axisFixed), w);
+      *w++ = pane->optionWord640;
+      *w++ = pane->optionWord641;
+      w = std::copy(std::begin(pane->secondAxisState), std::end(pane->secondAxisState), w);
+      *w++ = pane->legendOn;
+      for (char type : pane->axisType) *w++ = static_cast<unsigned char>(type);
+      *w++ = pane->frameKind;
+      *w++ = pane->optionWord654;
+      *w++ = pane->optionWord655;
+      w = std::copy(std::begin(pane->optionWords656to659), std::end(pane->optionWords656to659), w);
+
+      ProcedureState* state = slot >= 0 && slot < kSlotCount ? gStates[slot] : nullptr;
+      // List B reached the chart as list A's points: it goes with count 0.
+      ChartDraw(pane->window, pane->graphId, &pane->frameStyle, lists.elementTable.data(),
+                static_cast<int32_t>(lists.elementTable.size() / 3), points,
+                static_cast<int32_t>(pointCount), lists.pointWidth, lists.shapeTable.data(),
+                static_cast<int32_t>(lists.shapeTable.size() / 2), lists.shapePoints.data(),
+                static_cast<int32_t>(lists.shapePoints.size() / kShapeValues), lists.markTable.data(),
+                static_cast<int32_t>(lists.markTable.size() / 2), lists.markPoints.data(),
+                static_cast<int32_t>(lists.markPoints.size() / kMarkValues), items.get(),
+                pane->textItemCount, numbers.get(), strings.get(), pane->textStringCount,
+                titleLines.get(), titleLengths.get(), reals, words, lists.pairX.data(),
+                lists.pairY.data(), lists.pairZ.data(), lists.pairId.data(), 0, pane->rowCount,
+                slot, state);
+    }
+  }
+  FreeGlobal(&interleaved);
+  ClearScratch(s);
+  s.active = false;
+}
+
+}  // namespace zv
