@@ -119,17 +119,21 @@ std::optional<DialogAction> ScriptedUser::Resolve(const UserStep& step, const Wi
     case UserStep::Kind::kAction:
       return step.action;
     case UserStep::Kind::kPress:
-      if (step.control != kIdOk && step.control != kIdCancel && !dialog.HasControl(step.control)) {
-        return fail("there is no " + name);
+      if (step.control == kIdOk || step.control == kIdCancel) {
+        return DialogAction{Kind::kPress, step.control};
       }
-      return DialogAction{Kind::kPress, step.control};
+      break;
     case UserStep::Kind::kDoubleClick:
-      if (!dialog.HasControl(step.control)) return fail("there is no " + name);
-      return DialogAction{Kind::kDoubleClick, step.control, {}, step.entry};
     case UserStep::Kind::kSet:
       break;
   }
   if (!dialog.HasControl(step.control)) return fail("there is no " + name);
+  // A user cannot reach a disabled control; saying so beats a silent refusal.
+  if (!dialog.IsEnabled(step.control)) return fail(name + " is disabled");
+  if (step.kind == UserStep::Kind::kPress) return DialogAction{Kind::kPress, step.control};
+  if (step.kind == UserStep::Kind::kDoubleClick) {
+    return DialogAction{Kind::kDoubleClick, step.control, {}, step.entry};
+  }
   switch (dialog.KindOf(step.control)) {
     case ControlKind::kEdit:
       return DialogAction{Kind::kSetText, step.control, step.value};
