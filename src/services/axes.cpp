@@ -168,9 +168,10 @@ int32_t NiceScale(double low, double high, double* outLow, double* outHigh, doub
     m = MagnitudeOf(rounded[0], givenLow);
   } else {
     m = MagnitudeOf(rounded[n], givenHigh);
+    // A negative low end may need more: when it agrees with the given low
+    // this power is 1, so that m is then at least 1.
     if (rounded[0] < 0.0) m = std::max(m, MagnitudeOf(rounded[0], givenLow));
   }
-  if (std::fabs(rounded[0] - givenLow) <= kAgree) m = std::max(m, 1.0);
 
   *outLow = rounded[0] * m;
   *outHigh = rounded[n] * m;

@@ -90,6 +90,10 @@ TEST(NiceScale, WorkedExamples) {
   //         ticks 0..10 by 2, m 10: 0..100 by 20.
   //  -10..0: p 10, top 0, bottom -1, ticks -1..0 by .2, m 10 from -1 vs -10.
   //  600..660: p 10, top 66, bottom 60, span 6: candidate 6 is whole, n 6.
+  //  0..0.5: p .1, span 5, ticks 0..5 by 1; m = 0.1 from 5 vs 0.5, silent.
+  //  -1000..5: p 1000, top .1, bottom -1, span 1.1: best 5.5, step .2, n 6,
+  //         ticks -1...2, times 10: -10..2; m 10 from 2 vs 5, but the low end
+  //         -10 vs -1000 needs 100: -1000..200.
   struct Row { int line; double low, high, outLow, outHigh, factor; int32_t n; };
   constexpr Row kRows[] = {
       {__LINE__, 0, 10, 0, 10, 1, 5},
@@ -103,6 +107,8 @@ TEST(NiceScale, WorkedExamples) {
       {__LINE__, 1, 100, 0, 100, 1, 5},
       {__LINE__, -10, 0, -10, 0, 1, 5},
       {__LINE__, 600, 660, 600, 660, 1, 6},
+      {__LINE__, 0, 0.5, 0, 0.5, 1, 5},
+      {__LINE__, -1000, 5, -1000, 200, 1, 6},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
@@ -182,11 +188,13 @@ TEST_F(AxesTest, PeriodAxesStartAtTheFirstPeriodWithWholeYears) {
   // 600..660: 600..660 in 6; step 12 reaches 672, one interval too many.
   // Quarters 200..230: 200..230 in 6; step (floor((5 - 1)/4) + 1) x 4 = 8,
   // 248 is lowered to 232 while a step less still covers 230.
+  // Quarters 200..206: 200..206 in 6; step 4, 224 lowered down to n = 2.
   struct Row { int line; double low, high; char type; std::vector<double> ticks; };
   const Row kRows[] = {
       {__LINE__, 605, 650, 'M', {605, 617, 629, 641, 653, 665}},
       {__LINE__, 600, 660, 'M', {600, 612, 624, 636, 648, 660}},
       {__LINE__, 200, 230, 'Q', {200, 208, 216, 224, 232}},
+      {__LINE__, 200, 206, 'Q', {200, 204, 208}},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);

@@ -93,15 +93,18 @@ TEST_F(GraphPaneTest, TextsOfOneKindShareAnItemAndKeepTheirOrder) {
     zv::AddText("y", zv::kTextTickLabel + 1, -0.05, 0.0, 0);
     zv::AddText("10", zv::kTextTickLabel, 1.0, -0.05, 0);
     zv::AddText(std::string(90, 'w'), zv::kTextMessage, 0, 1.0, 0);
+    zv::AddStyledText("styled", 0.5, 0.5, 0, 1, 2, 3, 0, 0);
   });
-  ASSERT_EQ(g.textItems.size(), 3u);
+  ASSERT_EQ(g.textItems.size(), 4u);
+  EXPECT_EQ(g.textItems[3].words[0], 1);
+  EXPECT_EQ(g.textItems[3].words[3], 0);  // its own flag
   EXPECT_EQ(g.textItems[0].kind, 6);
   EXPECT_EQ(g.textItems[0].count, 2);
   EXPECT_EQ(g.textItems[0].strings[1].text, "10");
   EXPECT_EQ(g.textItems[1].kind, 7);
   EXPECT_EQ(g.textItems[1].strings[0].text, "y");
   EXPECT_EQ(g.textItems[2].strings[0].text, std::string(80, 'w'));  // strings hold 80
-  EXPECT_EQ(g.textStringCount, 4);
+  EXPECT_EQ(g.textStringCount, 5);
 }
 
 TEST_F(GraphPaneTest, FirstGraphOfAPaneTakesTheLibraryDefaultsOnlyOnce) {
@@ -182,6 +185,7 @@ TEST_F(GraphPaneTest, AUserMovedTitleSurvivesARebuildAndTickLabelsDoNot) {
     zv::gMainTitle = "Fresh title";
     zv::PlaceTitles();
     zv::AddText("5", zv::kTextTickLabel, 0.5, -0.05, 0);
+    zv::AddStyledText("styled", 0.5, 0.5, 0, 1, 2, 3, 0, 0);  // only on a first graph
   });
   const std::vector<Text> texts = Texts(g);
   ASSERT_EQ(texts.size(), 2u);
@@ -224,9 +228,11 @@ TEST_F(GraphPaneTest, TitlesStandAboveThePlot) {
   // t = 0.020 + 0.010 (outward ticks) = 0.03; h = 77 / 385 = 0.2.
   // Flat: main y = 1 + t + 0.1 + 1.5 h = 1.43, subtitle 5 h lower = 0.43.
   // 3-D: y = 1 + t = 1.03; main z = 1.15 + t + 1.5 h = 1.48, subtitle 0.48.
-  struct Row { int line; int32_t threeD; double mainY, mainZ, subY, subZ; };
-  constexpr Row kRows[] = {{__LINE__, 0, 1.43, 0.0, 0.43, 0.0},
-                           {__LINE__, 1, 1.03, 1.48, 1.03, 0.48}};
+  // Without a subtitle the main title does not move up: y = 1.13.
+  struct Row { int line; int32_t threeD; const char* sub; double mainY, mainZ, subY, subZ; };
+  constexpr Row kRows[] = {{__LINE__, 0, "Sub", 1.43, 0.0, 0.43, 0.0},
+                           {__LINE__, 1, "Sub", 1.03, 1.48, 1.03, 0.48},
+                           {__LINE__, 0, "", 1.13, 0.0, 0.0, 0.0}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     const auto& g = Build(0, [&] {
@@ -236,16 +242,18 @@ TEST_F(GraphPaneTest, TitlesStandAboveThePlot) {
       paneRecord->textStyleK[1] = 77;
       paneRecord->threeD = r.threeD;
       zv::gMainTitle = "Main";
-      zv::gSubTitle = "Sub";
+      zv::gSubTitle = r.sub;
       zv::PlaceTitles();
     });
     const std::vector<Text> texts = Texts(g);
-    ASSERT_EQ(texts.size(), 2u);
+    ASSERT_EQ(texts.size(), *r.sub ? 2u : 1u);
     EXPECT_NEAR(texts[0].x, 0.5, 1e-9);
     EXPECT_NEAR(texts[0].y, r.mainY, 2e-5);
     EXPECT_NEAR(texts[0].z, r.mainZ, 2e-5);
-    EXPECT_NEAR(texts[1].y, r.subY, 2e-5);
-    EXPECT_NEAR(texts[1].z, r.subZ, 2e-5);
+    if (*r.sub) {
+      EXPECT_NEAR(texts[1].y, r.subY, 2e-5);
+      EXPECT_NEAR(texts[1].z, r.subZ, 2e-5);
+    }
     // A rebuild would keep these places; start each row on a fresh pane.
     for (Handle* h : {&paneRecord->textItems, &paneRecord->textStrings,
                       &paneRecord->textNumbers}) {
