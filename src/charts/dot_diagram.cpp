@@ -47,14 +47,12 @@ void WriteDefaults(ProcedureState& state) {
 
 int32_t WritePane(PaneWindow* pane, int32_t slot, int32_t item) {
   if (item == 1) return DotDiagramSummaryPane(pane, slot, item, 1);
+  if (item == 8) return DotDiagramGraphPane(pane, slot, item, 1);
   return 0;
 }
 
-// The options dialog of a pane: 1 stored, 0 cancelled, -1 the pane has none.
-int32_t OptionsDialog(int32_t, int32_t) { return -1; }
-
 int32_t Options(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record) {
-  return StandardOptions(kDotDiagramFamily, pane, slot, item, record, OptionsDialog);
+  return StandardOptions(kDotDiagramFamily, pane, slot, item, record, DotDiagramOptionsDialog);
 }
 
 const VariableDialogLayout kDialog{

@@ -20,6 +20,9 @@ inline constexpr int32_t kDotDiagramCode = 2842;
 
 void DotDiagramPrepare(int32_t slot);
 int32_t DotDiagramSummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t one);
+int32_t DotDiagramGraphPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t one);
+// The options dialog of pane `item`: 1 stored, 0 cancelled, -1 the pane has none.
+int32_t DotDiagramOptionsDialog(int32_t slot, int32_t item);
 void InterpretDotDiagram(const ProcedureState& state, int32_t item, std::string& out);
 
 }  // namespace zv
