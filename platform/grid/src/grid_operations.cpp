@@ -256,10 +256,11 @@ void GridExpressionStep(int32_t next, void* buffer) {
   if (open->text) {
     // `width` characters, blank padded, no terminator.
     auto* out = static_cast<char*>(buffer);
-    const std::string_view text = row < open->texts.size() ? open->texts[row] : "";
+    const std::string_view text =
+        row < open->texts.size() ? std::string_view(open->texts[row]) : std::string_view();
     const auto width = static_cast<size_t>(open->width);
     const size_t length = std::min(text.size(), width);
-    std::memcpy(out, text.data(), length);
+    if (length > 0) std::memcpy(out, text.data(), length);
     std::memset(out + length, ' ', width - length);
   } else {
     const double value = row < open->numbers.size() ? open->numbers[row] : zvgrid::kMissing;
