@@ -1,0 +1,263 @@
+// The computation of the product-limit procedure over the state of a Slot:
+// the result blocks in spare bindings, the groups, the row order, the
+// estimates per group and the comparison of the groups.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "frame/families.h"
+#include "services/movable_block.h"
+#include "services/number_format.h"
+#include "services/row_order.h"
+#include "services/variables.h"
+#include "stats/special_functions.h"
+#include "survival/group_tests.h"
+#include "survival/life2.h"
+#include "survival/life2_state.h"
+#include "survival/product_limit.h"
+#include "survival/survival_blocks.h"
+#include "survival/survival_order.h"
+
+namespace zv {
+namespace {
+
+void WriteLabel(char* label, std::string_view text) {
+  const size_t length = std::min<size_t>(text.size(), kGroupLabelWidth);
+  std::memcpy(label, text.data(), length);
+  std::memset(label + length, ' ', kGroupLabelWidth - length);
+}
+
+// A whole value by "%d", any other by the general format at width 16. A whole
+// value beyond the range of an int32 takes the general format as well.
+std::string NumericLabel(double value) {
+  if (value == std::trunc(value) && std::fabs(value) < 2147483648.0) {
+    return std::to_string(static_cast<int32_t>(value));
+  }
+  char buffer[kNumberTextSize];
+  FormatNumber(buffer, value, 16);
+  return buffer;
+}
+
+// Forms the groups of a group column in the order `order` gives (ascending
+// group value); rows without a time or without a group value are excluded,
+// and the latter lose their time.
+int32_t GroupRows(ProcedureState& state, const int32_t* order, double* time, int32_t* index,
+                  char* labels) {
+  const VariableBinding& column = state.bindings[kGroupBinding];
+  const int32_t n = state.rowCount;
+  const bool isText = column.type == 'C';
+  const int32_t width = column.width;
+  LockedBlock<const char> cells(isText ? column.data : 0);
+  LockedBlock<const double> values(isText ? 0 : column.data);
+  int32_t groups = 0;
+  int32_t previous = -1;
+  for (int32_t i = 0; i < n; ++i) {
+    const int32_t row = order[i];
+    index[row] = kExcludedRow;
+    if (time[row] == kMissingValue) continue;
+    const bool missing = isText ? IsBlankText(TextCell(cells.get(), width, row)) != 0
+                                : values[row] == kMissingValue;
+    if (missing) {
+      time[row] = kMissingValue;
+      continue;
+    }
+    const bool opens =
+        groups == 0 ||
+        (isText ? std::memcmp(cells.get() + static_cast<size_t>(row) * width,
+                              cells.get() + static_cast<size_t>(previous) * width, width) != 0
+                : values[row] != values[previous]);
+    if (opens) {
+      ++groups;
+      char* label = labels + static_cast<size_t>(groups - 1) * kGroupLabelWidth;
+      WriteLabel(label, isText ? TextCell(cells.get(), width, row) : NumericLabel(values[row]));
+    }
+    index[row] = groups - 1;
+    previous = row;
+  }
+  return groups;
+}
+
+}  // namespace
+
+int32_t FormSurvivalGroups(int32_t slot) {
+  ProcedureState& state = StateOf(slot);
+  const int32_t n = state.rowCount;
+  const VariableBinding& column = state.bindings[kGroupBinding];
+  LockedBlock<double> time(state.bindings[kTimeBinding].data);
+  LockedBlock<int32_t> index(state.bindings[kGroupIndexBinding].data);
+  LockedBlock<char> labels(state.bindings[kGroupLabelsBinding].data);
+  Set(state, kGroupCount, 0);
+  if (ExpressionOf(column).empty()) {
+    for (int32_t row = 0; row < n; ++row) index[row] = time[row] == kMissingValue ? kExcludedRow : 0;
+    WriteLabel(labels.get(), "1");
+    Set(state, kGroupCount, 1);
+    return 1;
+  }
+  if (column.data == 0) return 0;
+  int32_t sorted = 0;
+  {
+    LockedBlock<const char> block(column.data);
+    sorted = column.type == 'C'
+                 ? SortOrderText(block.get(), slot, n, column.width, 0)
+                 : SortOrderNumeric(reinterpret_cast<const double*>(block.get()), slot, n, 0);
+  }
+  if (sorted == 0) return 0;
+  LockedBlock<const int32_t> order(state.order);
+  Set(state, kGroupCount, GroupRows(state, order.get(), time.get(), index.get(), labels.get()));
+  return 1;
+}
+
+int32_t Life2Estimate(int32_t slot) {
+  ProcedureState& state = StateOf(slot);
+  const int32_t groups = Get(state, kGroupCount);
+  const bool censored = Get(state, kHasCensoring) != 0;
+  LockedBlock<const int32_t> order(state.bindings[kSortOrderBinding].data);
+  LockedBlock<const double> time(state.bindings[kTimeBinding].data);
+  LockedBlock<const double> censor(censored ? state.bindings[kCensorBinding].data : 0);
+  LockedBlock<const int32_t> counts(state.bindings[kGroupCountsBinding].data);
+  LockedBlock<int32_t> atRisk(state.bindings[kAtRiskBinding].data);
+  LockedBlock<double> survival(state.bindings[kSurvivalBinding].data);
+  LockedBlock<double> error(state.bindings[kSurvivalErrorBinding].data);
+  LockedBlock<double> hazard(state.bindings[kCumulativeHazardBinding].data);
+  LockedBlock<double> means(state.bindings[kMeanSurvivalBinding].data);
+  // The sort keys are spent once the order stands: they hold the suffix
+  // sums of the error pass.
+  LockedBlock<double> scratch(state.bindings[kSortKeysBinding].data);
+  int32_t start = 0;
+  for (int32_t g = 0; g < groups; ++g) {
+    const SurvivalGroup group{order.get() + start, counts[g], time.get(), censor.get()};
+    const ProductLimitColumns columns{atRisk.get() + start, survival.get() + start,
+                                      error.get() + start, hazard.get() + start};
+    means[2 * g] = EstimateProductLimit(group, columns);
+    means[2 * g + 1] =
+        MeanSurvivalErrorSweep(group, survival.get() + start, scratch.get() + start);
+    start += counts[g];
+  }
+  return 1;
+}
+
+int32_t Life2CompareGroups(int32_t slot) {
+  ProcedureState& state = StateOf(slot);
+  Set(state, kLogrankChiSquare, kMissingValue);
+  Set(state, kLogrankPValue, kMissingValue);
+  Set(state, kWilcoxonChiSquare, kMissingValue);
+  Set(state, kWilcoxonPValue, kMissingValue);
+  const int32_t groups = Get(state, kGroupCount);
+  const uint64_t g = static_cast<uint64_t>(groups);
+  const uint64_t m = g - 1;
+  WorkArray<double> logrankScore(g), wilcoxonScore(g);
+  WorkArray<double> logrankCovariance(g * g), wilcoxonCovariance(g * g);
+  WorkArray<double> matrix(m * m), inverse(m * m), nextTime(g);
+  WorkArray<int32_t> position(g), end(g), failures(g), atRisk(g), active(g);
+  if (!logrankScore || !wilcoxonScore || !logrankCovariance || !wilcoxonCovariance || !matrix ||
+      !inverse || !nextTime || !position || !end || !failures || !atRisk || !active) {
+    state.status = 2;
+    return 0;
+  }
+  const bool censored = Get(state, kHasCensoring) != 0;
+  LockedBlock<const int32_t> order(state.bindings[kSortOrderBinding].data);
+  LockedBlock<const double> time(state.bindings[kTimeBinding].data);
+  LockedBlock<const double> censor(censored ? state.bindings[kCensorBinding].data : 0);
+  LockedBlock<const int32_t> counts(state.bindings[kGroupCountsBinding].data);
+  const SurvivalSample sample{order.get(), time.get(), censor.get(), counts.get(), groups};
+  const GroupTestSums sums{logrankScore.get(), wilcoxonScore.get(), logrankCovariance.get(),
+                           wilcoxonCovariance.get()};
+  AccumulateGroupTestsSweep(sample,
+                            {position.get(), end.get(), nextTime.get(), failures.get(),
+                             atRisk.get(), active.get()},
+                            sums);
+  const double degrees = static_cast<double>(groups - 1);
+  auto pValue = [degrees](double chiSquare) {
+    return chiSquare == kMissingValue ? kMissingValue : 1.0 - ChiSquareCdf(chiSquare, degrees);
+  };
+  const double logrank = GroupChiSquare(logrankCovariance.get(), logrankScore.get(), groups,
+                                        matrix.get(), inverse.get());
+  Set(state, kLogrankChiSquare, logrank);
+  Set(state, kLogrankPValue, pValue(logrank));
+  const double wilcoxon = GroupChiSquare(wilcoxonCovariance.get(), wilcoxonScore.get(), groups,
+                                         matrix.get(), inverse.get());
+  Set(state, kWilcoxonChiSquare, wilcoxon);
+  Set(state, kWilcoxonPValue, pValue(wilcoxon));
+  return 1;
+}
+
+int32_t Life2Prepare(int32_t slot, int32_t /*unused*/) {
+  ProcedureState& state = StateOf(slot);
+  const int32_t n = state.rowCount;
+  const bool censored = !ExpressionOf(state.bindings[kCensorBinding]).empty();
+  Set(state, kHasCensoring, censored ? 1 : 0);
+
+  struct RowBlock {
+    int binding;
+    uint32_t size;
+  };
+  constexpr RowBlock kRowBlocks[] = {
+      {kGroupIndexBinding, sizeof(int32_t)}, {kGroupLabelsBinding, kGroupLabelWidth},
+      {kSortOrderBinding, sizeof(int32_t)},  {kSortKeysBinding, sizeof(double)},
+      {kSortWorkBinding, sizeof(int32_t)},   {kAtRiskBinding, sizeof(int32_t)},
+      {kSurvivalBinding, sizeof(double)},    {kSurvivalErrorBinding, sizeof(double)},
+      {kCumulativeHazardBinding, sizeof(double)}};
+  for (const RowBlock& block : kRowBlocks) {
+    if (!ReallocateBindingBlock(state, block.binding, static_cast<uint64_t>(n), block.size)) {
+      state.status = 2;
+      return 0;
+    }
+  }
+
+  {
+    LockedBlock<double> time(state.bindings[kTimeBinding].data);
+    LockedBlock<const double> censor(censored ? state.bindings[kCensorBinding].data : 0);
+    double smallest = kMissingValue;
+    if (time) {
+      // A row without a censoring value has no kind: it leaves the analysis.
+      if (censor) {
+        for (int32_t row = 0; row < n; ++row) {
+          if (censor[row] == kMissingValue) time[row] = kMissingValue;
+        }
+      }
+      for (int32_t row = 0; row < n; ++row) {
+        if (time[row] != kMissingValue && (smallest == kMissingValue || time[row] < smallest)) {
+          smallest = time[row];
+        }
+      }
+    }
+    Set(state, kSmallestTime, smallest);
+    if (!(0.0 < smallest)) {
+      state.status = 1069;
+      return 0;
+    }
+  }
+
+  // A failed group sort has shown its message and leaves no group to report.
+  if (FormSurvivalGroups(slot) == 0) return 0;
+  const int32_t groups = Get(state, kGroupCount);
+  state.graphOptionsMask = groups <= 1 ? 1 : 0;
+
+  if (!ReallocateBindingBlock(state, kGroupCountsBinding, 2 * static_cast<uint64_t>(groups),
+                              sizeof(int32_t)) ||
+      !ReallocateBindingBlock(state, kMeanSurvivalBinding, 2 * static_cast<uint64_t>(groups),
+                              sizeof(double))) {
+    state.status = 2;
+    return 0;
+  }
+  {
+    LockedBlock<int32_t> counts(state.bindings[kGroupCountsBinding].data);
+    LockedBlock<const int32_t> index(state.bindings[kGroupIndexBinding].data);
+    LockedBlock<const double> censor(censored ? state.bindings[kCensorBinding].data : 0);
+    for (int32_t row = 0; row < n; ++row) {
+      const int32_t g = index[row];
+      if (g == kExcludedRow) continue;
+      ++counts[g];
+      if (!(censor && censor[row] > 0.0)) ++counts[groups + g];
+    }
+  }
+
+  if (OrderSurvivalRows(slot) == 0) return 0;
+  Life2Estimate(slot);
+  if (groups > 1 && Life2CompareGroups(slot) == 0) return 0;
+  return 1;
+}
+
+}  // namespace zv
