@@ -8,6 +8,7 @@
 #include "frame/exports.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "services/graph_pane.h"
 
 namespace zv {
 namespace {
@@ -95,6 +96,10 @@ void ModuleStop() {
   gResourceModule = 0;
   gAddedText.clear();
   gAddedText.shrink_to_fit();
+  for (std::string* text : {&gXTitle, &gYTitle, &gZTitle, &gLegendTitle, &gMainTitle, &gSubTitle}) {
+    text->clear();
+    text->shrink_to_fit();
+  }
   for (std::string& text : gEntryText) {
     text.clear();
     text.shrink_to_fit();

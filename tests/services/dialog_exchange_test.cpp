@@ -48,7 +48,9 @@ TEST_F(ExchangeTest, NumbersParseWithTheLocaleAndRefuseGarbage) {
     SCOPED_TRACE(r.line);
     double v = -1.0;
     EXPECT_EQ(zv::ParseDialogNumber(r.text, &v), r.ok);
-    if (r.ok) EXPECT_EQ(v, r.value);
+    if (r.ok) {
+      EXPECT_EQ(v, r.value);
+    }
   }
   zv::gDecimalChar = ',';
   double v = 0.0;
