@@ -578,7 +578,6 @@ void DrawTexts(Canvas& c) {
 
 struct Bounds {
   double left = 1e300, top = 1e300, right = -1e300, bottom = -1e300;
-  bool Empty() const { return left > right; }
   void Add(double x, double y) {
     left = std::min(left, x);
     right = std::max(right, x);
@@ -686,6 +685,9 @@ Bounds LayoutBounds(const StoredGraph& g, const Layout& layout, RenderSize size)
   for (const SceneItem& it : trial.items) {
     if (it.role != "background" && it.role != "message") AddToBounds(b, it);
   }
+  // The plot itself always takes part, drawn frame or not.
+  b.Add(layout.flat.left, layout.flat.top);
+  b.Add(layout.flat.left + layout.flat.width, layout.flat.top + layout.flat.height);
   return b;
 }
 
@@ -696,7 +698,6 @@ Layout FitFlat(const StoredGraph& g, RenderSize size, double pad) {
   Rect plot{0.12 * w, 0.12 * h, 0.76 * w, 0.76 * h};
   for (int round = 0; round < 8; ++round) {
     Bounds b = LayoutBounds(g, FlatLayout(plot), size);
-    if (b.Empty()) break;
     double dl = pad - b.left, dr = (w - pad) - b.right;
     double dt = pad - b.top, db = (h - pad) - b.bottom;
     if (std::max({std::fabs(dl), std::fabs(dr), std::fabs(dt), std::fabs(db)}) < 0.5) break;
@@ -721,7 +722,6 @@ Layout FitSpace(const StoredGraph& g, RenderSize size, double pad) {
   double originY = pad + (h - (cube.vMax - cube.vMin) * unit) / 2 + cube.vMax * unit;
   for (int round = 0; round < 6; ++round) {
     Bounds b = LayoutBounds(g, SpaceLayout(angle, unit, originX, originY), size);
-    if (b.Empty()) break;
     double left = (b.left - originX) / unit, right = (b.right - originX) / unit;
     double top = (b.top - originY) / unit, bottom = (b.bottom - originY) / unit;
     double next = std::min(w / (right - left), h / (bottom - top));
