@@ -37,3 +37,4 @@ using namespace zv;
   }
 
 ZV_DEFINE_FAMILY_ENTRIES(DotDiagram, kDotDiagramFamily)
+ZV_DEFINE_FAMILY_ENTRIES(Life2, kLife2Family)

@@ -12,6 +12,7 @@ namespace {
 // The families built into this module, found by procedure code.
 const FamilyInfo* const kFamilies[] = {
     &kDotDiagramFamily,
+    &kLife2Family,
 };
 
 }  // namespace
