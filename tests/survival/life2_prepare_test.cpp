@@ -104,7 +104,8 @@ TEST_F(Life2Prepare, SelectExcludesRows) {
 // (1965), in data/trial.csv. Published references: the product-limit
 // estimates and Greenwood errors of the 6-MP group (Kalbfleisch and Prentice,
 // 1980; also Kleinbaum and Klein), printed to 3 and 4 places, and the Logrank
-// chi-square 16.79 on 1 degree of freedom (Kleinbaum and Klein, ch. 2).
+// chi-square 16.79 on 1 degree of freedom and the Wilcoxon (Gehan) 13.458
+// (Kleinbaum and Klein, Survival Analysis, ch. 2).
 // The placebo group has no withdrawals, so its mean is the sample mean 182/21
 // and its error (with the factor nf/(nf-1)) the sample standard error.
 TEST_F(Life2Prepare, PublishedRemissionData) {
@@ -134,6 +135,7 @@ TEST_F(Life2Prepare, PublishedRemissionData) {
     EXPECT_NEAR(error[k], s.error, 0.00005);
   }
   EXPECT_NEAR(Get(state, zv::kLogrankChiSquare), 16.79, 0.005);
+  EXPECT_NEAR(Get(state, zv::kWilcoxonChiSquare), 13.458, 0.0005);
 
   const std::vector<double> means = Block<double>(state, zv::kMeanSurvivalBinding, 4);
   const double placebo[] = {1, 1, 2, 2, 3, 4, 4, 5, 5, 8, 8, 8, 8, 11, 11, 12, 12, 15, 17, 22, 23};

@@ -1,0 +1,302 @@
+// The three report panes of the product-limit procedure: the estimates of
+// every group, the percentile table, and the comparison of the groups.
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "frame/families.h"
+#include "frame/messages.h"
+#include "services/movable_block.h"
+#include "services/number_format.h"
+#include "services/report_pane.h"
+#include "services/variables.h"
+#include "survival/life2.h"
+#include "survival/life2_state.h"
+#include "survival/product_limit.h"
+
+namespace zv {
+namespace {
+
+constexpr std::string_view kEnd = "\r\n";
+constexpr std::string_view kSummaryRule =
+    "----------------------------------------------------------------------------------------------";
+constexpr std::string_view kPercentileRule = "---------------------------------------------";
+constexpr std::string_view kComparisonRule =
+    "-------------------------------------------------------------------";
+static_assert(kSummaryRule.size() == 94 && kPercentileRule.size() == 45 &&
+              kComparisonRule.size() == 67);
+
+// A whole number left-justified in `width` characters ("%-7d" and the like).
+void AppendInt(std::string& text, int64_t value, int width) {
+  char buffer[32];
+  const int length = std::snprintf(buffer, sizeof buffer, "%-*lld", width,
+                                   static_cast<long long>(value));
+  text.append(buffer, static_cast<size_t>(length));
+}
+
+void AppendNumber(std::string& text, double value) {
+  char buffer[kNumberTextSize];
+  text.append(buffer, static_cast<size_t>(FormatNumber(buffer, value, 16)));
+}
+
+void AppendNumberLeft(std::string& text, double value, int32_t width) {
+  char buffer[kNumberTextSize];
+  FormatNumberLeft(buffer, value, width);
+  text.append(buffer, static_cast<size_t>(width));
+}
+
+// FormatFixedTrimmed at width 15 with 4 decimals, blank-padded to `pad`
+// characters (0: as it stands).
+void AppendFixed(std::string& text, double value, size_t pad) {
+  char buffer[kNumberTextSize];
+  FormatFixedTrimmed(buffer, value, 15, 4);
+  const std::string_view cell(buffer);
+  text.append(cell);
+  if (cell.size() < pad) text.append(pad - cell.size(), ' ');
+}
+
+void AppendLabel(std::string& text, const char* labels, int32_t group) {
+  text.append(labels + static_cast<size_t>(group) * kGroupLabelWidth, kGroupLabelWidth);
+}
+
+// The text that stands for a status in the summary pane.
+int32_t StatusString(int32_t status) {
+  switch (status) {
+    case 1: return 1005;
+    case 2: return 1004;
+    case 3: return 1007;
+    default: return status;
+  }
+}
+
+// The columns of the state that the panes read, locked together.
+struct Columns {
+  explicit Columns(const ProcedureState& state)
+      : censored(Get(state, kHasCensoring) != 0),
+        order(state.bindings[kSortOrderBinding].data),
+        time(state.bindings[kTimeBinding].data),
+        censor(censored ? state.bindings[kCensorBinding].data : 0),
+        labels(state.bindings[kGroupLabelsBinding].data),
+        counts(state.bindings[kGroupCountsBinding].data),
+        atRisk(state.bindings[kAtRiskBinding].data),
+        survival(state.bindings[kSurvivalBinding].data),
+        error(state.bindings[kSurvivalErrorBinding].data),
+        hazard(state.bindings[kCumulativeHazardBinding].data),
+        means(state.bindings[kMeanSurvivalBinding].data) {}
+
+  SurvivalGroup Group(int32_t start, int32_t g) const {
+    return {order.get() + start, counts[g], time.get(), censor.get()};
+  }
+
+  bool censored;
+  LockedBlock<const int32_t> order;
+  LockedBlock<const double> time;
+  LockedBlock<const double> censor;
+  LockedBlock<const char> labels;
+  LockedBlock<const int32_t> counts;
+  LockedBlock<const int32_t> atRisk;
+  LockedBlock<const double> survival;
+  LockedBlock<const double> error;
+  LockedBlock<const double> hazard;
+  LockedBlock<const double> means;
+};
+
+// A row ends a failure step, and prints the estimates, when it is a failure
+// and the next row of the group is a withdrawal, has another time, or there
+// is none. Without a censoring column every row is a failure.
+bool EndsFailureStep(const SurvivalGroup& g, int32_t k) {
+  if (IsWithdrawn(g, k)) return false;
+  if (k + 1 == g.count) return true;
+  return IsWithdrawn(g, k + 1) || g.time[g.rows[k + 1]] != g.time[g.rows[k]];
+}
+
+void AppendGroupTable(std::string& text, const Columns& c, int32_t start, int32_t g) {
+  text.append(
+      "                                    Number at     Cumulative     Standard      Cumulative\r\n"
+      "Row    Time          Status         Risk          Survival       Error         Hazard\r\n");
+  text.append(kSummaryRule).append(kEnd);
+  const SurvivalGroup group = c.Group(start, g);
+  for (int32_t k = 0; k < group.count; ++k) {
+    const int32_t row = group.rows[k];
+    const int32_t p = start + k;
+    AppendInt(text, row + 1, 7);
+    AppendNumberLeft(text, c.time[row], 14);
+    text.append(IsWithdrawn(group, k) ? "WITHDRAWN      " : "FAILED         ");
+    AppendInt(text, c.atRisk[p], 14);
+    if (EndsFailureStep(group, k)) {
+      AppendFixed(text, c.survival[p], 15);
+      AppendFixed(text, c.error[p], 15);
+      AppendFixed(text, c.hazard[p], 0);
+    }
+    text.append(kEnd);
+  }
+  text.append(kSummaryRule).append(kEnd);
+  text.append("Mean survival time = ");
+  AppendNumber(text, c.means[2 * g]);
+  text.append("   Standard error = ");
+  AppendNumber(text, c.means[2 * g + 1]);
+  text.append(kEnd).append(kEnd);
+}
+
+}  // namespace
+
+std::string Life2SummaryText(int32_t slot) {
+  ProcedureState& state = StateOf(slot);
+  const std::string_view censorText = ExpressionOf(state.bindings[kCensorBinding]);
+  const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
+  const std::string_view selectText = ExpressionOf(state.bindings[kSelectBinding]);
+  const int32_t groups = Get(state, kGroupCount);
+  std::string text;
+  text.reserve(kReportReserve);
+  text.append(LoadText(5732 + 1)).append(kEnd).append(kEnd);
+  text.append(LoadText(3001)).append(ExpressionOf(state.bindings[kTimeBinding])).append(kEnd);
+  if (!censorText.empty()) text.append("Censoring: ").append(censorText).append(kEnd);
+  if (!groupText.empty()) {
+    text.append("Groups: ").append(groupText).append(kEnd);
+    text.append("Number of groups = ");
+    text.append(std::to_string(groups)).append(kEnd);
+  }
+  if (!selectText.empty()) text.append(LoadText(3002)).append(selectText).append(kEnd);
+  text.append(kEnd);
+  if (state.status != 0) {
+    text.append(LoadText(StatusString(state.status))).append(kEnd);
+    return text;
+  }
+  text.append("Product-Limit (Kaplan-Meier) Estimates\r\n\r\n");
+  {
+    Columns columns(state);
+    int32_t start = 0;
+    for (int32_t g = 0; g < groups; ++g) {
+      if (groups > 1) {
+        text.append(groupText).append(" = ");
+        AppendLabel(text, columns.labels.get(), g);
+        text.append(kEnd);
+      }
+      AppendGroupTable(text, columns, start, g);
+      start += columns.counts[g];
+    }
+  }
+  AppendAdvice(text, slot, 1);
+  return text;
+}
+
+std::string Life2PercentileText(int32_t slot) {
+  ProcedureState& state = StateOf(slot);
+  if (state.status != 0) return LoadText(1101);
+  const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
+  const int32_t groups = Get(state, kGroupCount);
+  Set(state, kFirstPercentile, kMissingValue);
+  std::string text;
+  text.reserve(kReportReserve);
+  {
+    Columns c(state);
+    int32_t start = 0;
+    for (int32_t g = 0; g < groups; ++g) {
+      text.append("Percentile Table");
+      if (groups > 1) {
+        text.append(" for ").append(groupText).append(" = ");
+        AppendLabel(text, c.labels.get(), g);
+      }
+      text.append(kEnd).append(kEnd);
+      text.append("                              Standard\r\n"
+                  "Percentile     Estimate       Error \r\n");
+      text.append(kPercentileRule).append(kEnd);
+      const SurvivalGroup group = c.Group(start, g);
+      for (uint32_t slotIndex = 0; slotIndex < kPercentileSlots; ++slotIndex) {
+        const double percentile = Get(state, kPercentiles, slotIndex);
+        if (percentile == 0.0) continue;
+        const PercentileEstimate p = EstimatePercentile(group, c.survival.get() + start,
+                                                        c.error.get() + start, percentile);
+        AppendNumberLeft(text, percentile, 15);
+        AppendNumberLeft(text, p.estimate, 15);
+        AppendNumberLeft(text, p.error, 15);
+        text.append(kEnd);
+        if (Get(state, kFirstPercentile) == kMissingValue) {
+          Set(state, kFirstPercentile, percentile);
+          Set(state, kFirstPercentileEstimate, p.estimate);
+        }
+      }
+      text.append(kPercentileRule).append(kEnd).append(kEnd).append(kEnd);
+      start += group.count;
+    }
+  }
+  AppendAdvice(text, slot, 2);
+  return text;
+}
+
+std::string Life2ComparisonText(int32_t slot) {
+  ProcedureState& state = StateOf(slot);
+  if (state.status != 0) return LoadText(1101);
+  const int32_t groups = Get(state, kGroupCount);
+  std::string text;
+  text.reserve(kReportReserve);
+  text.append("Comparison of Groups\r\n\r\n");
+  Set(state, kSmallestPValue, kMissingValue);
+  text.append(
+      "                                                         Proportion\r\n"
+      "Group                Total       Failed      Withdrawn   Withdrawn\r\n");
+  text.append(kComparisonRule).append(kEnd);
+  int64_t rows = 0;
+  int64_t failed = 0;
+  {
+    LockedBlock<const char> labels(state.bindings[kGroupLabelsBinding].data);
+    LockedBlock<const int32_t> counts(state.bindings[kGroupCountsBinding].data);
+    for (int32_t g = 0; g < groups; ++g) {
+      const int32_t total = counts[g];
+      const int32_t failures = counts[groups + g];
+      AppendLabel(text, labels.get(), g);
+      text.append(" ");
+      AppendInt(text, total, 12);
+      AppendInt(text, failures, 12);
+      AppendInt(text, total - failures, 12);
+      AppendFixed(text, static_cast<double>(total - failures) / total, 0);
+      text.append(kEnd);
+      rows += total;
+      failed += failures;
+    }
+  }
+  text.append(kComparisonRule).append(kEnd);
+  text.append("Total                ");
+  AppendInt(text, rows, 12);
+  AppendInt(text, failed, 12);
+  AppendInt(text, rows - failed, 12);
+  // With no analysed row the proportion has no value and its cell stays empty.
+  AppendFixed(text, rows == 0 ? kMissingValue : static_cast<double>(rows - failed) / rows, 0);
+  text.append(kEnd).append(kEnd);
+  if (groups > 1) {
+    const double logrankP = Get(state, kLogrankPValue);
+    const double wilcoxonP = Get(state, kWilcoxonPValue);
+    text.append("Logrank test\r\n------------\r\nChi-square = ");
+    AppendNumber(text, Get(state, kLogrankChiSquare));
+    text.append("\r\nP-value = ");
+    AppendNumber(text, logrankP);
+    text.append("\r\n\r\nWilcoxon test\r\n-------------\r\nChi-square = ");
+    AppendNumber(text, Get(state, kWilcoxonChiSquare));
+    text.append("\r\nP-value = ");
+    AppendNumber(text, wilcoxonP);
+    text.append(kEnd);
+    // The lesser of the two; a test whose matrix could not be inverted has no
+    // P-value and does not take part.
+    double smallest = logrankP;
+    if (wilcoxonP != kMissingValue && (smallest == kMissingValue || wilcoxonP < smallest)) {
+      smallest = wilcoxonP;
+    }
+    Set(state, kSmallestPValue, smallest);
+  }
+  AppendAdvice(text, slot, 3);
+  return text;
+}
+
+int32_t Life2SummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t /*unused*/) {
+  return SetPaneText(pane, slot, item, Life2SummaryText(slot));
+}
+
+int32_t Life2PercentilePane(PaneWindow* pane, int32_t slot, int32_t item, int32_t /*unused*/) {
+  return SetPaneText(pane, slot, item, Life2PercentileText(slot));
+}
+
+int32_t Life2ComparisonPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t /*unused*/) {
+  return SetPaneText(pane, slot, item, Life2ComparisonText(slot));
+}
+
+}  // namespace zv
