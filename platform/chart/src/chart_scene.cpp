@@ -193,10 +193,11 @@ struct Canvas {
   int maxBand = 1;
 };
 
+// A stroked path; with no points, one whose subpaths are added later.
 SceneItem Line(std::string role, std::vector<Pixel> points, Rgb colour, double width) {
   SceneItem it;
   it.role = std::move(role);
-  it.subpaths.push_back(std::move(points));
+  if (!points.empty()) it.subpaths.push_back(std::move(points));
   it.stroke = colour;
   it.strokeWidth = width;
   return it;
@@ -275,7 +276,6 @@ void DrawFrame(Canvas& c, bool front) {
                                    {1, 1, 0, 1, 1, 1}, {0, 0, 1, 0, 1, 1}, {0, 1, 1, 1, 1, 1}};
   static constexpr Edge kFront[] = {{1, 0, 0, 1, 0, 1}, {0, 0, 1, 1, 0, 1}, {1, 0, 1, 1, 1, 1}};
   SceneItem edges = Line("frame", {}, kFrameColour, front ? 0.8 : 1.1);
-  edges.subpaths.clear();
   auto add = [&](const Edge& e) {
     edges.subpaths.push_back({Space(l, e[0], e[1], e[2]), Space(l, e[3], e[4], e[5])});
   };
@@ -301,7 +301,6 @@ void DrawTicks(Canvas& c) {
       if (at.empty()) continue;
       double len = e * (pass == 0 ? 1.0 : 0.5) * out;
       SceneItem ticks = Line(pass == 0 ? "tick" : "tick-minor", {}, kFrameColour, 1.0);
-      ticks.subpaths.clear();
       for (double p : at) {
         if (!l.threeD) {
           if (axis == 0) ticks.subpaths.push_back({Flat(l, p, 0), Flat(l, p, -len)});
@@ -395,7 +394,6 @@ void DrawPolylines(Canvas& c, bool legendLayer) {
     std::vector<SceneItem>& out = legendLayer ? c.legend : c.items;
     if (e.pen > 0) {
       SceneItem line = Line("series", {}, PenColour(e.pen), 1.6);
-      line.subpaths.clear();
       line.dash = PenDash(e.pen);
       line.clipped = flatClip && !legendLayer;
       for (auto& run : runs) {
