@@ -2,7 +2,8 @@
 # Installs the Debian packages the build needs, once. Safe to run again.
 set -euo pipefail
 packages=(cmake g++ libgtest-dev libgmock-dev libbenchmark-dev libcairo2-dev libcli11-dev
-          nlohmann-json3-dev libfmt-dev libboost-math-dev libboost-dev binutils)
+          nlohmann-json3-dev libfmt-dev libboost-math-dev libboost-dev binutils
+          libexpat1-dev libfontconfig-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

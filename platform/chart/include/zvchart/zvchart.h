@@ -17,8 +17,10 @@ struct ProcedureState;
 //                  by the rest of the record from its offset 0x02C on
 //   elementTable   3 int32 per polyline element (points, pen, symbol style),
 //   elementPoints  pointWidth doubles per point (x, y, [z,] id)
-//   shapeTable     2 int32 per filled polygon (points, style), shapePoints x,y,id triples
-//   markTable      2 int32 per mark element (points, style), markPoints triples
+//   shapeTable     2 int32 per shape series (shapes, style), shapePoints 4 doubles
+//                  per shape (left, bottom, right, top)
+//   markTable      2 int32 per mark series (marks, style), markPoints 12 doubles
+//                  per mark (a bubble, or a polygon of four corners)
 //   textItems      11 int32 per item; textNumbers 8 doubles per string (x, y, z,
 //                  length, 0...): 64 bytes; textStrings 80 bytes per string
 //   titleLines     64 lines of 80 characters; titleLengths 64 int32
