@@ -1,0 +1,76 @@
+// The zivara command's own parsing: --opts settings and session lines.
+#include <gtest/gtest.h>
+
+#include "analysis_run.h"
+#include "session_script.h"
+
+namespace {
+
+TEST(ZivaraParsing, ControlSettings) {
+  struct Row {
+    int line;
+    const char* text;
+    bool ok;
+    std::vector<std::pair<int32_t, std::string>> settings;
+  };
+  const Row rows[] = {
+      {__LINE__, "141=50", true, {{141, "50"}}},
+      {__LINE__, "176=1,141=20", true, {{176, "1"}, {141, "20"}}},
+      // A comma not followed by CONTROL= belongs to the value.
+      {__LINE__, "141=1,5,107=1", true, {{141, "1,5"}, {107, "1"}}},
+      {__LINE__, "141=", true, {{141, ""}}},
+      {__LINE__, "141=a=b", true, {{141, "a=b"}}},
+      {__LINE__, "", false, {}},
+      {__LINE__, "x=1", false, {}},
+      {__LINE__, "141", false, {}},
+      {__LINE__, "141=1,,107=1", true, {{141, "1,"}, {107, "1"}}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    std::vector<zivara::ControlSetting> settings;
+    std::string error;
+    ASSERT_EQ(zivara::ParseSettings(row.text, &settings, &error), row.ok) << error;
+    if (!row.ok) {
+      EXPECT_FALSE(error.empty());
+      continue;
+    }
+    std::vector<std::pair<int32_t, std::string>> got;
+    for (const auto& s : settings) got.emplace_back(s.control, s.value);
+    EXPECT_EQ(got, row.settings);
+  }
+}
+
+TEST(ZivaraParsing, SessionLines) {
+  struct Row {
+    int line;
+    const char* text;
+    bool ok;
+    std::vector<std::string> words;
+  };
+  const Row rows[] = {
+      {__LINE__, "dialog DotDiagram v1=Weight", true, {"dialog", "DotDiagram", "v1=Weight"}},
+      {__LINE__, "  begin  \r", true, {"begin"}},
+      {__LINE__, "dialog X select=\"Height > 60\"", true, {"dialog", "X", "select=Height > 60"}},
+      {__LINE__, "\"select=Height > 60\" ok", true, {"select=Height > 60", "ok"}},
+      {__LINE__, "expect pane 1 contains \"a \\\"b\\\" \\\\ c\"", true,
+       {"expect", "pane", "1", "contains", "a \"b\" \\ c"}},
+      {__LINE__, "expect pane 1 contains \"x\\r\\ny\"", true,
+       {"expect", "pane", "1", "contains", "x\r\ny"}},
+      {__LINE__, "item 1 # a comment", true, {"item", "1"}},
+      {__LINE__, "add-column A a#b", true, {"add-column", "A", "a#b"}},
+      {__LINE__, "# only a comment", true, {}},
+      {__LINE__, "v1=\"\"", true, {"v1="}},
+      {__LINE__, "select=\"Height", false, {}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    std::vector<std::string> words;
+    std::string error;
+    ASSERT_EQ(zivara::SplitSessionLine(row.text, &words, &error), row.ok);
+    if (row.ok) {
+      EXPECT_EQ(words, row.words);
+    }
+  }
+}
+
+}  // namespace
