@@ -16,6 +16,9 @@ int32_t WritePane(PaneWindow* pane, int32_t slot, int32_t item) {
     case 1: return Life2SummaryPane(pane, slot, item, 1);
     case 2: return Life2PercentilePane(pane, slot, item, 1);
     case 3: return Life2ComparisonPane(pane, slot, item, 1);
+    case 8:
+    case 9:
+    case 10: return Life2PlotPane(pane, slot, item, item - 8);
     default: return 0;
   }
 }

@@ -1,0 +1,244 @@
+// The three step plots of the product-limit procedure: the survival
+// function (with confidence limits for a single group), the log survival
+// function and the cumulative hazard. Only failures make steps.
+#include <algorithm>
+#include <string>
+
+#include "frame/families.h"
+#include "frame/messages.h"
+#include "frame/module_state.h"
+#include "services/axes.h"
+#include "services/graph_pane.h"
+#include "services/movable_block.h"
+#include "services/report_pane.h"
+#include "services/variables.h"
+#include "stats/special_functions.h"
+#include "survival/life2.h"
+#include "survival/life2_state.h"
+#include "survival/product_limit.h"
+
+namespace zv {
+namespace {
+
+constexpr int32_t kDrawnGroups = 20;  // further groups are left out of a plot
+constexpr int32_t kGraphMenu = 0xBB00;
+constexpr int32_t kLimitsPen = 6;
+constexpr double kLinePoint = -1.0;
+constexpr double kLegendSample = -2.0;
+constexpr int32_t kFirstLegendLine = 10;
+
+struct PlotKind {
+  const char* title;
+  const char* yTitle;
+  double startLevel;
+};
+constexpr PlotKind kKinds[] = {
+    {"Estimated Survival Function", "survival probability", 1.0},
+    {"Estimated Log Survival Function", "log survival probability", 0.0},
+    {"Estimated Cumulative Hazard Function", "cumulative hazard", 0.0},
+};
+
+// Fills list A in the order the polylines are added, up to the sizes
+// allocated from the exact counts; without lists it only keeps count.
+class PolylineWriter {
+ public:
+  PolylineWriter(GraphLists& lists, bool enabled) : lists_(lists), enabled_(enabled) {}
+
+  void Begin(int32_t points, int32_t pen) {
+    if (!enabled_) return;
+    lists_.elementTable[element_++] = points;
+    lists_.elementTable[element_++] = pen;
+    lists_.elementTable[element_++] = 0;
+  }
+  void Point(double x, double y, double id) {
+    if (!enabled_) return;
+    lists_.elementPoints[point_++] = x;
+    lists_.elementPoints[point_++] = y;
+    lists_.elementPoints[point_++] = id;
+  }
+
+ private:
+  GraphLists& lists_;
+  bool enabled_;
+  size_t element_ = 0;
+  size_t point_ = 0;
+};
+
+// The y value of a failure row in a plot of `kind`.
+double StepLevel(int32_t kind, double survival, double hazard) {
+  if (kind == 0) return survival;
+  if (kind == 1) return hazard == kMissingValue ? kMissingValue : -hazard;
+  return hazard;
+}
+
+bool LastRowWithdrawn(const SurvivalGroup& g) { return g.count > 0 && IsWithdrawn(g, g.count - 1); }
+
+}  // namespace
+
+int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind) {
+  ProcedureState& state = StateOf(slot);
+  if (state.status != 0) {
+    BeginGraph(state.keepScales, state.rowCount);
+    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
+    EndGraph(pane, slot);
+    return 1;
+  }
+  const PlotKind& plot = kKinds[kind];
+  const VariableBinding& time = state.bindings[kTimeBinding];
+  const int32_t drawn = std::min(Get(state, kGroupCount), kDrawnGroups);
+  const bool censored = Get(state, kHasCensoring) != 0;
+  state.graphIds[item - 8] = BeginGraph(state.keepScales, state.rowCount);
+  PaneRecord& record = *gCurrentPane;
+
+  LockedBlock<const int32_t> order(state.bindings[kSortOrderBinding].data);
+  LockedBlock<const double> times(time.data);
+  LockedBlock<const double> censor(censored ? state.bindings[kCensorBinding].data : 0);
+  LockedBlock<const int32_t> counts(state.bindings[kGroupCountsBinding].data);
+  LockedBlock<const double> survival(state.bindings[kSurvivalBinding].data);
+  LockedBlock<const double> error(state.bindings[kSurvivalErrorBinding].data);
+  LockedBlock<const double> hazard(state.bindings[kCumulativeHazardBinding].data);
+  const int32_t groups = Get(state, kGroupCount);
+  auto groupAt = [&](int32_t start, int32_t g) {
+    return SurvivalGroup{order.get() + start, counts[g], times.get(), censor.get()};
+  };
+
+  // Exact counts of list A.
+  const bool limits = kind == 0 && Get(state, kShowConfidenceLimits) != 0 && drawn == 1;
+  int64_t points = 0;
+  int64_t polylines = drawn;
+  for (int32_t g = 0; g < drawn; ++g) {
+    const int64_t failures = counts[groups + g];
+    points += 2 + 2 * failures;
+    if (limits) {
+      polylines += 2 * failures;
+      points += 4 * failures;
+      if (LastRowWithdrawn(groupAt(0, g))) {
+        polylines += 2;
+        points += 4;
+      }
+    }
+  }
+  if (drawn > 1) {
+    polylines += drawn;
+    points += 2 * drawn;
+    record.legendOn = 1;
+  }
+  GraphLists& lists = CurrentGraphLists();
+  lists.pointWidth = 3;
+  const bool haveLists = ResizeGraphList(lists.elementTable, static_cast<size_t>(polylines) * 3) &&
+                         ResizeGraphList(lists.elementPoints, static_cast<size_t>(points) * 3);
+  if (!haveLists) {
+    lists.elementTable.clear();
+    lists.elementPoints.clear();
+  }
+  PolylineWriter list(lists, haveLists);
+
+  SetAxisAuto(1, 0.0, time.maximum, time.type);
+  const double axisEnd = record.scale[0].low + record.scale[0].span;
+
+  if (limits) {
+    const double level = Get(state, kConfidenceLevel);
+    const double z = NormalQuantile((level * -0.01 + 1.0) * -0.5 + 1.0);
+    const SurvivalGroup g = groupAt(0, 0);
+    double prevX = 0.0;
+    double prevS = 1.0;
+    double prevError = 0.0;
+    for (int32_t k = 0; k < g.count; ++k) {
+      if (IsWithdrawn(g, k) && k + 1 != g.count) continue;
+      const double h = prevError * z;
+      const double t = times[g.rows[k]];
+      const double low = std::max(prevS - h, 0.0);
+      const double high = std::min(prevS + h, 1.0);
+      list.Begin(2, kLimitsPen);
+      list.Point(prevX, low, kLinePoint);
+      list.Point(t, low, kLinePoint);
+      list.Begin(2, kLimitsPen);
+      list.Point(prevX, high, kLinePoint);
+      list.Point(t, high, kLinePoint);
+      prevS = survival[k];
+      prevX = t;
+      prevError = error[k];
+    }
+  }
+
+  double leastY = 0.0;
+  double greatestY = 0.0;
+  int32_t start = 0;
+  for (int32_t g = 0; g < drawn; ++g) {
+    const SurvivalGroup group = groupAt(start, g);
+    list.Begin(2 + 2 * counts[groups + g], g + 1);
+    double level = plot.startLevel;
+    list.Point(0.0, level, kLinePoint);
+    for (int32_t k = 0; k < group.count; ++k) {
+      if (IsWithdrawn(group, k)) continue;
+      const double t = times[group.rows[k]];
+      list.Point(t, level, kLinePoint);
+      level = StepLevel(kind, survival[start + k], hazard[start + k]);
+      list.Point(t, level, kLinePoint);
+      if (level != kMissingValue) {
+        leastY = std::min(leastY, level);
+        greatestY = std::max(greatestY, level);
+      }
+    }
+    const double endX = group.count == 0 || !LastRowWithdrawn(group)
+                            ? axisEnd
+                            : times[group.rows[group.count - 1]];
+    list.Point(endX, level, kLinePoint);
+    start += group.count;
+  }
+
+  if (kind == 0) {
+    SetAxisAuto(2, 0.0, 1.0, 'N');
+  } else if (kind == 1) {
+    SetAxisAuto(2, leastY, 0.0, 'N');
+  } else {
+    SetAxisAuto(2, 0.0, greatestY, 'N');
+  }
+  ComputeFrame();
+  SetTitleLine(ExpressionOf(time), 1);
+  gXTitle = "{1}";
+  gYTitle = plot.yTitle;
+  gMainTitle = plot.title;
+  SetAxisTicksByScale(1);
+  SetAxisTicksByScale(2);
+  PlaceTitles();
+  DrawAxisLabels(1, 1, 1);
+  DrawAxisLabels(2, 1, 1);
+
+  if (drawn > 1) {
+    const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
+    LockedBlock<const char> labels(state.bindings[kGroupLabelsBinding].data);
+    const double legendX = record.legendBox[0];
+    const double legendY = record.legendBox[1];
+    const double textOffset = record.legendBox[2];
+    const double lineHeight = record.legendBox[3];
+    SetTitleLine(groupText, 3);
+    gLegendTitle = std::string(groupText);
+    AddText("{3}", kTextLegend, legendX, legendY, 0.0);
+    for (int32_t i = 0; i < drawn; ++i) {
+      const std::string_view label(labels.get() + static_cast<size_t>(i) * kGroupLabelWidth,
+                                   kGroupLabelWidth);
+      SetTitleLine(TrimBlanks(label), kFirstLegendLine + i);
+      const std::string placeholder = {'{', static_cast<char>('A' + i), '}'};
+      AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - i) * lineHeight,
+              0.0);
+    }
+    for (int32_t i = 0; i < drawn; ++i) {
+      const double y = (legendY + (-1 - i) * lineHeight) * record.scale[1].span + record.scale[1].low;
+      list.Begin(2, i + 1);
+      list.Point((legendX - 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
+      list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
+    }
+  }
+
+  // Nothing of the state stays locked while the chart library and the advice
+  // library have the state.
+  for (auto* block : {&order, &counts}) block->Release();
+  for (auto* block : {&times, &censor, &survival, &error, &hazard}) block->Release();
+  if (gViews[slot] != nullptr) gViews[slot]->graphMenu[item] = kGraphMenu;
+  EndGraph(pane, slot);
+  WriteGraphAdvice(slot, item);
+  return 1;
+}
+
+}  // namespace zv
