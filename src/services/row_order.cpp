@@ -13,20 +13,21 @@ namespace zv {
 namespace {
 
 // Heap sort of an index table, the 1-based routine `indexx` of Numerical
-// Recipes in C, first edition (section 8.3), unchanged: on return index(1..n)
-// lists 1..n ascending by key. `less(a, b)` compares the keys of rows a and
-// b (1-based). Rows of equal key stand in whatever order the heap leaves
-// them; reports built without the ties pass depend on that order, so this
-// routine must not be replaced by another sort.
-template <class Less>
-void HeapSortIndex(int32_t n, int32_t* table, Less less) {
-  auto index = [table](int32_t j) -> int32_t& { return table[j - 1]; };
-  for (int32_t j = 1; j <= n; ++j) index(j) = j;
+// Recipes in C, first edition (section 8.3), unchanged but for what an
+// entry holds: here an entry may carry its row's key along with the row, so
+// that a comparison reads the table instead of reaching into the column.
+// The comparisons and moves are the textbook's, so rows of equal key stand
+// in the order it leaves them; reports built without the ties pass depend
+// on that order, so this routine must not be replaced by another sort.
+// On return table[0..n-1] is ascending by `less`.
+template <class Item, class Less>
+void HeapSortIndex(int32_t n, Item* table, Less less) {
+  auto index = [table](int32_t j) -> Item& { return table[j - 1]; };
   if (n < 2) return;
   int32_t l = (n >> 1) + 1;
   int32_t ir = n;
   for (;;) {
-    int32_t indxt;
+    Item indxt;
     if (l > 1) {
       indxt = index(--l);
     } else {
@@ -67,26 +68,20 @@ void OrderTies(int32_t* order, int32_t n, Equal equal) {
   }
 }
 
-// Sorts rows 0..n-1 into gStates[slot]->order by the 1-based comparison
-// `less`; `equal` (0-based rows) decides ties.
-template <class Less, class Equal>
-int32_t BuildOrder(int32_t slot, int32_t n, int32_t ties, Less less, Equal equal) {
-  if (slot < 0 || slot >= kSlotCount || gStates[slot] == nullptr || n < 0) return 0;
+// A movable block of `count` items of `size` bytes, or 0 after ShowError 1001.
+Handle AllocItems(int32_t count, size_t size) {
+  const uint64_t bytes = static_cast<uint64_t>(count) * size;
+  return AllocGlobal(bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
+}
+
+// Replaces the state's order by a fresh block of n int32, or clears it.
+ProcedureState* NewOrder(int32_t slot, int32_t n) {
+  if (slot < 0 || slot >= kSlotCount || gStates[slot] == nullptr || n < 0) return nullptr;
   ProcedureState& state = *gStates[slot];
   FreeGlobal(&state.order);
   state.orderReady = 0;
-  const uint64_t bytes = static_cast<uint64_t>(n) * sizeof(int32_t);
-  state.order = AllocGlobal(bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
-  if (state.order == 0) return 0;
-  {
-    LockedBlock<int32_t> block(state.order);
-    int32_t* order = block.get();
-    HeapSortIndex(n, order, less);
-    for (int32_t i = 0; i < n; ++i) --order[i];
-    if (ties) OrderTies(order, n, equal);
-  }
-  state.orderReady = 1;
-  return 1;
+  state.order = AllocItems(n, sizeof(int32_t));
+  return state.order != 0 ? &state : nullptr;
 }
 
 bool IsBlank(std::string_view text) {
@@ -100,35 +95,68 @@ std::string_view CellView(const char* rows, int32_t width, int32_t row) {
                      : static_cast<size_t>(width)};
 }
 
+// A row with its sort key.
+struct NumericItem {
+  double value;
+  int32_t missing;
+  int32_t row;
+};
+
 }  // namespace
 
 int32_t SortOrderNumeric(const double* values, int32_t slot, int32_t n, int32_t ties) {
-  // During the sort MissingValue counts as one more than the greatest value,
-  // so missing rows come last. The key is kept as (missing, value): the same
-  // comparisons, and still right when the greatest value is so large that
-  // adding 1.0 does not change it.
-  auto key = [values](int32_t row) { return values[row] == kMissingValue; };
-  auto less = [values, key](int32_t a, int32_t b) {
-    const bool ma = key(a - 1), mb = key(b - 1);
-    if (ma || mb) return !ma && mb;
-    return values[a - 1] < values[b - 1];
-  };
-  auto equal = [values, key](int32_t a, int32_t b) {
-    const bool ma = key(a), mb = key(b);
-    return ma == mb && (ma || values[a] == values[b]);
-  };
-  return BuildOrder(slot, n, ties, less, equal);
+  ProcedureState* state = NewOrder(slot, n);
+  if (state == nullptr) return 0;
+  Handle scratch = AllocItems(n, sizeof(NumericItem));
+  if (scratch == 0) {
+    FreeGlobal(&state->order);
+    return 0;
+  }
+  {
+    LockedBlock<NumericItem> items(scratch);
+    for (int32_t i = 0; i < n; ++i) {
+      items[i] = NumericItem{values[i], values[i] == kMissingValue, i};
+    }
+    // During the sort MissingValue counts as one more than the greatest
+    // value, so missing rows come last. The key is kept as (missing, value):
+    // the same comparisons, and still right when the greatest value is so
+    // large that adding 1.0 does not change it.
+    HeapSortIndex(n, items.get(), [](const NumericItem& a, const NumericItem& b) {
+      if (a.missing || b.missing) return !a.missing && b.missing;
+      return a.value < b.value;
+    });
+    LockedBlock<int32_t> order(state->order);
+    for (int32_t i = 0; i < n; ++i) order[i] = items[i].row;
+    if (ties) {
+      OrderTies(order.get(), n, [values](int32_t a, int32_t b) {
+        const bool ma = values[a] == kMissingValue, mb = values[b] == kMissingValue;
+        return ma == mb && (ma || values[a] == values[b]);
+      });
+    }
+  }
+  FreeGlobal(&scratch);
+  state->orderReady = 1;
+  return 1;
 }
 
 int32_t SortOrderText(const char* rows, int32_t slot, int32_t n, int32_t width, int32_t ties) {
+  ProcedureState* state = NewOrder(slot, n);
+  if (state == nullptr) return 0;
   if (width < 0) width = 0;
-  auto less = [rows, width](int32_t a, int32_t b) {
-    return CompareCells(CellView(rows, width, a - 1), CellView(rows, width, b - 1)) < 0;
-  };
-  auto equal = [rows, width](int32_t a, int32_t b) {
-    return CompareCells(CellView(rows, width, a), CellView(rows, width, b)) == 0;
-  };
-  return BuildOrder(slot, n, ties, less, equal);
+  {
+    LockedBlock<int32_t> order(state->order);
+    for (int32_t i = 0; i < n; ++i) order[i] = i;
+    HeapSortIndex(n, order.get(), [rows, width](int32_t a, int32_t b) {
+      return CompareCells(CellView(rows, width, a), CellView(rows, width, b)) < 0;
+    });
+    if (ties) {
+      OrderTies(order.get(), n, [rows, width](int32_t a, int32_t b) {
+        return CompareCells(CellView(rows, width, a), CellView(rows, width, b)) == 0;
+      });
+    }
+  }
+  state->orderReady = 1;
+  return 1;
 }
 
 int32_t CompareCells(std::string_view a, std::string_view b) {
