@@ -89,6 +89,7 @@ const FamilyInfo kLife2Family{
     .compute = Compute,
     .writePane = WritePane,
     .options = Options,
+    .interpret = InterpretLife2,
 };
 
 }  // namespace zv
