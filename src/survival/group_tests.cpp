@@ -10,14 +10,15 @@ bool Withdrawn(const SurvivalSample& s, int32_t position) {
   return s.censor != nullptr && s.censor[s.order[position]] > 0.0;
 }
 
-double TimeAt(const SurvivalSample& s, int32_t position) { return s.time[s.order[position]]; }
+double TimeAt(const SurvivalSample& s, int32_t position) {
+  return s.time[s.order[position]];
+}
 
 // Adds the terms of one risk set: r at risk and d failures in the groups
 // listed in `groups` (the others have none at risk and add nothing), R and D
 // their sums. The Wilcoxon weight is the size of the whole risk set.
-void AddRiskSet(const SurvivalSample& s, const int32_t* groups, int32_t listed,
-                const int32_t* r, const int32_t* d, double total, double deaths,
-                const GroupTestSums& sums) {
+void AddRiskSet(const SurvivalSample& s, const int32_t* groups, int32_t listed, const int32_t* r,
+                const int32_t* d, double total, double deaths, const GroupTestSums& sums) {
   const int32_t g = s.groupCount;
   if (total == 0.0) return;
   for (int32_t li = 0; li < listed; ++li) {

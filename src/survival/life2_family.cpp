@@ -9,17 +9,24 @@
 namespace zv {
 namespace {
 
-void Compute(int32_t slot) { Life2Prepare(slot, 0); }
+void Compute(int32_t slot) {
+  Life2Prepare(slot, 0);
+}
 
 int32_t WritePane(PaneWindow* pane, int32_t slot, int32_t item) {
   switch (item) {
-    case 1: return Life2SummaryPane(pane, slot, item, 1);
-    case 2: return Life2PercentilePane(pane, slot, item, 1);
-    case 3: return Life2ComparisonPane(pane, slot, item, 1);
+    case 1:
+      return Life2SummaryPane(pane, slot, item, 1);
+    case 2:
+      return Life2PercentilePane(pane, slot, item, 1);
+    case 3:
+      return Life2ComparisonPane(pane, slot, item, 1);
     case 8:
     case 9:
-    case 10: return Life2PlotPane(pane, slot, item, item - 8);
-    default: return 0;
+    case 10:
+      return Life2PlotPane(pane, slot, item, item - 8);
+    default:
+      return 0;
   }
 }
 
@@ -39,17 +46,37 @@ const VariableDialogLayout kDialog{
     .templateId = 848,
     .helpId = 42634,
     .caption = nullptr,
-    .fields = {{.control = 116, .arrow = 119, .maxLength = 64, .isList = false,
-                .allowEmpty = false, .allowText = false, .isSelect = false,
+    .fields = {{.control = 116,
+                .arrow = 119,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = false,
+                .allowText = false,
+                .isSelect = false,
                 .binding = kTimeBinding},
-               {.control = 122, .arrow = 120, .maxLength = 64, .isList = false,
-                .allowEmpty = true, .allowText = false, .isSelect = false,
+               {.control = 122,
+                .arrow = 120,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = true,
+                .allowText = false,
+                .isSelect = false,
                 .binding = kCensorBinding},
-               {.control = 261, .arrow = 121, .maxLength = 64, .isList = false,
-                .allowEmpty = true, .allowText = true, .isSelect = false,
+               {.control = 261,
+                .arrow = 121,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = true,
+                .allowText = true,
+                .isSelect = false,
                 .binding = kGroupBinding},
-               {.control = 117, .arrow = 244, .maxLength = 64, .isList = false,
-                .allowEmpty = true, .allowText = false, .isSelect = true,
+               {.control = 117,
+                .arrow = 244,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = true,
+                .allowText = false,
+                .isSelect = true,
                 .binding = kSelectBinding}},
 };
 
@@ -62,7 +89,8 @@ void Life2WriteDefaults(ProcedureState& state) {
   Set(state, kShowDensityLimits, 0);
   Set(state, kShowHazardLimits, 0);
   constexpr double kDefaultPercentiles[kPercentileSlots] = {75, 50, 25, 0, 0, 0, 0, 0, 0, 0};
-  for (uint32_t i = 0; i < kPercentileSlots; ++i) Set(state, kPercentiles, kDefaultPercentiles[i], i);
+  for (uint32_t i = 0; i < kPercentileSlots; ++i)
+    Set(state, kPercentiles, kDefaultPercentiles[i], i);
   Set(state, kConfidenceLevel, 95.0);
 }
 

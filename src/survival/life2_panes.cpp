@@ -1,6 +1,6 @@
 // The three report panes of the product-limit procedure: the estimates of
 // every group, the percentile table, and the comparison of the groups.
-#include <cstdio>
+#include <charconv>
 #include <string>
 #include <string_view>
 
@@ -19,19 +19,22 @@ namespace {
 
 constexpr std::string_view kEnd = "\r\n";
 constexpr std::string_view kSummaryRule =
-    "----------------------------------------------------------------------------------------------";
+    "---------------------------------------------------------------------------------------------"
+    "-";
 constexpr std::string_view kPercentileRule = "---------------------------------------------";
 constexpr std::string_view kComparisonRule =
     "-------------------------------------------------------------------";
 static_assert(kSummaryRule.size() == 94 && kPercentileRule.size() == 45 &&
               kComparisonRule.size() == 67);
 
-// A whole number left-justified in `width` characters ("%-7d" and the like).
+// A whole number left-justified in `width` characters, as "%-7d" and the
+// like print it (the tables print one per cell of every row).
 void AppendInt(std::string& text, int64_t value, int width) {
-  char buffer[32];
-  const int length = std::snprintf(buffer, sizeof buffer, "%-*lld", width,
-                                   static_cast<long long>(value));
-  text.append(buffer, static_cast<size_t>(length));
+  char buffer[24];
+  const char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  const size_t length = static_cast<size_t>(end - buffer);
+  text.append(buffer, length);
+  if (length < static_cast<size_t>(width)) text.append(static_cast<size_t>(width) - length, ' ');
 }
 
 void AppendNumber(std::string& text, double value) {
@@ -62,10 +65,14 @@ void AppendLabel(std::string& text, const char* labels, int32_t group) {
 // The text that stands for a status in the summary pane.
 int32_t StatusString(int32_t status) {
   switch (status) {
-    case 1: return 1005;
-    case 2: return 1004;
-    case 3: return 1007;
-    default: return status;
+    case 1:
+      return 1005;
+    case 2:
+      return 1004;
+    case 3:
+      return 1007;
+    default:
+      return status;
   }
 }
 
@@ -112,7 +119,8 @@ bool EndsFailureStep(const SurvivalGroup& g, int32_t k) {
 
 void AppendGroupTable(std::string& text, const Columns& c, int32_t start, int32_t g) {
   text.append(
-      "                                    Number at     Cumulative     Standard      Cumulative\r\n"
+      "                                    Number at     Cumulative     Standard      "
+      "Cumulative\r\n"
       "Row    Time          Status         Risk          Survival       Error         Hazard\r\n");
   text.append(kSummaryRule).append(kEnd);
   const SurvivalGroup group = c.Group(start, g);
@@ -146,8 +154,10 @@ std::string Life2SummaryText(int32_t slot) {
   const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
   const std::string_view selectText = ExpressionOf(state.bindings[kSelectBinding]);
   const int32_t groups = Get(state, kGroupCount);
+  // A table line is about 90 characters: room for all of them at once.
+  constexpr size_t kSummaryLine = 96;
   std::string text;
-  text.reserve(kReportReserve);
+  text.reserve(kReportReserve + kSummaryLine * static_cast<size_t>(state.rowCount));
   text.append(LoadText(5732 + 1)).append(kEnd).append(kEnd);
   text.append(LoadText(3001)).append(ExpressionOf(state.bindings[kTimeBinding])).append(kEnd);
   if (!censorText.empty()) text.append("Censoring: ").append(censorText).append(kEnd);
@@ -198,15 +208,16 @@ std::string Life2PercentileText(int32_t slot) {
         AppendLabel(text, c.labels.get(), g);
       }
       text.append(kEnd).append(kEnd);
-      text.append("                              Standard\r\n"
-                  "Percentile     Estimate       Error \r\n");
+      text.append(
+          "                              Standard\r\n"
+          "Percentile     Estimate       Error \r\n");
       text.append(kPercentileRule).append(kEnd);
       const SurvivalGroup group = c.Group(start, g);
       for (uint32_t slotIndex = 0; slotIndex < kPercentileSlots; ++slotIndex) {
         const double percentile = Get(state, kPercentiles, slotIndex);
         if (percentile == 0.0) continue;
-        const PercentileEstimate p = EstimatePercentile(group, c.survival.get() + start,
-                                                        c.error.get() + start, percentile);
+        const PercentileEstimate p =
+            EstimatePercentile(group, c.survival.get() + start, c.error.get() + start, percentile);
         AppendNumberLeft(text, percentile, 15);
         AppendNumberLeft(text, p.estimate, 15);
         AppendNumberLeft(text, p.error, 15);

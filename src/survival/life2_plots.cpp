@@ -71,7 +71,9 @@ double StepLevel(int32_t kind, double survival, double hazard) {
   return hazard;
 }
 
-bool LastRowWithdrawn(const SurvivalGroup& g) { return g.count > 0 && IsWithdrawn(g, g.count - 1); }
+bool LastRowWithdrawn(const SurvivalGroup& g) {
+  return g.count > 0 && IsWithdrawn(g, g.count - 1);
+}
 
 }  // namespace
 
@@ -180,9 +182,8 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
         greatestY = std::max(greatestY, level);
       }
     }
-    const double endX = group.count == 0 || !LastRowWithdrawn(group)
-                            ? axisEnd
-                            : times[group.rows[group.count - 1]];
+    const double endX =
+        group.count == 0 || !LastRowWithdrawn(group) ? axisEnd : times[group.rows[group.count - 1]];
     list.Point(endX, level, kLinePoint);
     start += group.count;
   }
@@ -220,11 +221,11 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
                                    kGroupLabelWidth);
       SetTitleLine(TrimBlanks(label), kFirstLegendLine + i);
       const std::string placeholder = {'{', static_cast<char>('A' + i), '}'};
-      AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - i) * lineHeight,
-              0.0);
+      AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - i) * lineHeight, 0.0);
     }
     for (int32_t i = 0; i < drawn; ++i) {
-      const double y = (legendY + (-1 - i) * lineHeight) * record.scale[1].span + record.scale[1].low;
+      const double y =
+          (legendY + (-1 - i) * lineHeight) * record.scale[1].span + record.scale[1].low;
       list.Begin(2, i + 1);
       list.Point((legendX - 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
       list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);

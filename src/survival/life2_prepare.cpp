@@ -57,8 +57,8 @@ int32_t GroupRows(ProcedureState& state, const int32_t* order, double* time, int
     const int32_t row = order[i];
     index[row] = kExcludedRow;
     if (time[row] == kMissingValue) continue;
-    const bool missing = isText ? IsBlankText(TextCell(cells.get(), width, row)) != 0
-                                : values[row] == kMissingValue;
+    const bool missing =
+        isText ? IsBlankText(TextCell(cells.get(), width, row)) != 0 : values[row] == kMissingValue;
     if (missing) {
       time[row] = kMissingValue;
       continue;
@@ -90,7 +90,8 @@ int32_t FormSurvivalGroups(int32_t slot) {
   LockedBlock<char> labels(state.bindings[kGroupLabelsBinding].data);
   Set(state, kGroupCount, 0);
   if (ExpressionOf(column).empty()) {
-    for (int32_t row = 0; row < n; ++row) index[row] = time[row] == kMissingValue ? kExcludedRow : 0;
+    for (int32_t row = 0; row < n; ++row)
+      index[row] = time[row] == kMissingValue ? kExcludedRow : 0;
     WriteLabel(labels.get(), "1");
     Set(state, kGroupCount, 1);
     return 1;
@@ -131,8 +132,7 @@ int32_t Life2Estimate(int32_t slot) {
     const ProductLimitColumns columns{atRisk.get() + start, survival.get() + start,
                                       error.get() + start, hazard.get() + start};
     means[2 * g] = EstimateProductLimit(group, columns);
-    means[2 * g + 1] =
-        MeanSurvivalErrorSweep(group, survival.get() + start, scratch.get() + start);
+    means[2 * g + 1] = MeanSurvivalErrorSweep(group, survival.get() + start, scratch.get() + start);
     start += counts[g];
   }
   return 1;
@@ -164,10 +164,10 @@ int32_t Life2CompareGroups(int32_t slot) {
   const SurvivalSample sample{order.get(), time.get(), censor.get(), counts.get(), groups};
   const GroupTestSums sums{logrankScore.get(), wilcoxonScore.get(), logrankCovariance.get(),
                            wilcoxonCovariance.get()};
-  AccumulateGroupTestsSweep(sample,
-                            {position.get(), end.get(), nextTime.get(), failures.get(),
-                             atRisk.get(), active.get()},
-                            sums);
+  AccumulateGroupTestsSweep(
+      sample,
+      {position.get(), end.get(), nextTime.get(), failures.get(), atRisk.get(), active.get()},
+      sums);
   const double degrees = static_cast<double>(groups - 1);
   auto pValue = [degrees](double chiSquare) {
     return chiSquare == kMissingValue ? kMissingValue : 1.0 - ChiSquareCdf(chiSquare, degrees);
@@ -194,10 +194,10 @@ int32_t Life2Prepare(int32_t slot, int32_t /*unused*/) {
     uint32_t size;
   };
   constexpr RowBlock kRowBlocks[] = {
-      {kGroupIndexBinding, sizeof(int32_t)}, {kGroupLabelsBinding, kGroupLabelWidth},
-      {kSortOrderBinding, sizeof(int32_t)},  {kSortKeysBinding, sizeof(double)},
-      {kSortWorkBinding, sizeof(int32_t)},   {kAtRiskBinding, sizeof(int32_t)},
-      {kSurvivalBinding, sizeof(double)},    {kSurvivalErrorBinding, sizeof(double)},
+      {kGroupIndexBinding, sizeof(int32_t)},     {kGroupLabelsBinding, kGroupLabelWidth},
+      {kSortOrderBinding, sizeof(int32_t)},      {kSortKeysBinding, sizeof(double)},
+      {kSortWorkBinding, sizeof(int32_t)},       {kAtRiskBinding, sizeof(int32_t)},
+      {kSurvivalBinding, sizeof(double)},        {kSurvivalErrorBinding, sizeof(double)},
       {kCumulativeHazardBinding, sizeof(double)}};
   for (const RowBlock& block : kRowBlocks) {
     if (!ReallocateBindingBlock(state, block.binding, static_cast<uint64_t>(n), block.size)) {

@@ -41,8 +41,8 @@ ZV_FAMILY_FIELD(kSmallestTime, double, 0x20F8);
 ZV_FAMILY_FIELD(kShowConfidenceLimits, int32_t, 0x1FB0);  // pane 8 of both procedures
 ZV_FAMILY_FIELD(kLifeTablePane9Flag, int32_t, 0x1FB4);
 ZV_FAMILY_FIELD(kLifeTablePane10Flag, int32_t, 0x1FB8);
-ZV_FAMILY_FIELD(kShowDensityLimits, int32_t, 0x1FBC);     // life tables, pane 11
-ZV_FAMILY_FIELD(kShowHazardLimits, int32_t, 0x1FC0);      // life tables, pane 12
+ZV_FAMILY_FIELD(kShowDensityLimits, int32_t, 0x1FBC);             // life tables, pane 11
+ZV_FAMILY_FIELD(kShowHazardLimits, int32_t, 0x1FC0);              // life tables, pane 12
 ZV_FAMILY_ARRAY(kPercentiles, double, kPercentileSlots, 0x2130);  // 0 = empty slot
 ZV_FAMILY_FIELD(kConfidenceLevel, double, 0x2180);
 

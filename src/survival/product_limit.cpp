@@ -13,7 +13,9 @@ bool FailsInErrorWalk(const SurvivalGroup& g, int32_t position) {
   return g.censor == nullptr || g.censor[g.rows[position]] == 0.0;
 }
 
-double TimeAt(const SurvivalGroup& g, int32_t position) { return g.time[g.rows[position]]; }
+double TimeAt(const SurvivalGroup& g, int32_t position) {
+  return g.time[g.rows[position]];
+}
 
 int32_t FailureCount(const SurvivalGroup& g) {
   int32_t failures = 0;

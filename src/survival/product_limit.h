@@ -12,7 +12,7 @@ namespace zv {
 // failures before withdrawals. Columns are indexed by row, the outputs by
 // position within the group.
 struct SurvivalGroup {
-  const int32_t* rows;   // `count` row numbers from 0
+  const int32_t* rows;  // `count` row numbers from 0
   int32_t count;
   const double* time;    // time column, by row; every time of the group is > 0
   const double* censor;  // censoring column, by row; nullptr without one
@@ -25,10 +25,10 @@ inline bool IsWithdrawn(const SurvivalGroup& g, int32_t position) {
 }
 
 struct ProductLimitColumns {
-  int32_t* atRisk;            // rows of the group behind the position
-  double* survival;           // tied rows carry the value of the last of them
-  double* survivalError;      // Greenwood's formula, carried back like survival
-  double* cumulativeHazard;   // -log survival, row by row; kMissingValue at 0
+  int32_t* atRisk;           // rows of the group behind the position
+  double* survival;          // tied rows carry the value of the last of them
+  double* survivalError;     // Greenwood's formula, carried back like survival
+  double* cumulativeHazard;  // -log survival, row by row; kMissingValue at 0
 };
 
 // Fills the columns for positions 0 .. count-1 and returns the mean survival
@@ -41,8 +41,7 @@ double EstimateProductLimit(const SurvivalGroup& group, const ProductLimitColumn
 // same areas as suffix sums. `scratch` holds `count` doubles. Both give the
 // same value up to rounding in the last places.
 double MeanSurvivalErrorDirect(const SurvivalGroup& group, const double* survival);
-double MeanSurvivalErrorSweep(const SurvivalGroup& group, const double* survival,
-                              double* scratch);
+double MeanSurvivalErrorSweep(const SurvivalGroup& group, const double* survival, double* scratch);
 
 struct PercentileEstimate {
   double estimate;  // first failure time with survival at or below P/100

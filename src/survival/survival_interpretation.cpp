@@ -69,8 +69,12 @@ void InterpretLife2(const ProcedureState& state, int32_t item, std::string& out)
   switch (item) {
     case 1: {
       const std::string time(ExpressionOf(state.bindings[kTimeBinding]));
-      sentences = {Formatted(8997, time.c_str()), LoadText(8998), LoadText(8999),
-                   LoadText(5600), LoadText(5601), LoadText(5602)};
+      sentences = {Formatted(8997, time.c_str()),
+                   LoadText(8998),
+                   LoadText(8999),
+                   LoadText(5600),
+                   LoadText(5601),
+                   LoadText(5602)};
       break;
     }
     case 2:

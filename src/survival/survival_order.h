@@ -7,21 +7,26 @@
 
 namespace zv {
 
+// One row as the sort sees it, so that the sort walks one flat array.
+struct SurvivalSortKey {
+  double time;          // +infinity for a missing time
+  uint32_t group;       // 0xFFFFFFFF for a row outside every group
+  uint32_t kindAndRow;  // the row, with the top bit set for a withdrawal
+};
+
 // Fills `sortOrder` with the n row numbers in survival order. Rows whose
 // group is kExcludedRow stand behind all groups, ordered the same way among
 // themselves (a missing time counts as greater than every time). A row is
-// withdrawn when `censor` is given and its value is above 0.
-// On return `sortWork` holds the rows in order of time, kind and row alone and
-// `sortKeys` the group of each of those as a double (kExcludedRow for none):
-// the survival order is that list sorted stably by group.
+// withdrawn when `censor` is given and its value is above 0. `scratch` holds
+// n keys.
 void OrderSurvivalRowsArrays(int32_t n, const double* time, const double* censor,
-                             const int32_t* groupIndex, int32_t* sortWork, double* sortKeys,
+                             const int32_t* groupIndex, SurvivalSortKey* scratch,
                              int32_t* sortOrder);
 
 // The same over the state of `slot`: the time column of bindings[0], the
 // censoring column of bindings[1] when hasCensoring is set, groupIndex, and
-// the blocks sortWork, sortKeys and sortOrder. 1, or 0 with status 2 when
-// memory runs short.
+// sortOrder; sortKeys and sortWork are left to the callers as scratch. 1, or
+// 0 with status 2 when memory runs short.
 int32_t OrderSurvivalRows(int32_t slot);
 
 }  // namespace zv

@@ -20,21 +20,20 @@ namespace {
 // Rows of several groups, ordered with OrderSurvivalRowsArrays.
 struct Sample {
   std::vector<double> time, censor;
-  std::vector<int32_t> group, order, work, sizes;
-  std::vector<double> keys;
+  std::vector<int32_t> group, order, sizes;
+  std::vector<SurvivalSortKey> keys;
 
   Sample(std::vector<double> t, std::vector<double> c, std::vector<int32_t> g, int32_t groups)
       : time(std::move(t)), censor(std::move(c)), group(std::move(g)) {
     const size_t n = time.size();
     order.resize(n);
-    work.resize(n);
     keys.resize(n);
     sizes.assign(groups, 0);
     for (int32_t gi : group) {
       if (gi != kExcludedRow) ++sizes[gi];
     }
     OrderSurvivalRowsArrays(static_cast<int32_t>(n), time.data(), censor.data(), group.data(),
-                            work.data(), keys.data(), order.data());
+                            keys.data(), order.data());
   }
   SurvivalSample View() const {
     return {order.data(), time.data(), censor.data(), sizes.data(),
@@ -52,8 +51,8 @@ Sums Accumulate(const Sample& s, bool sweep) {
            std::vector<double>(g * g)};
   std::vector<int32_t> position(g), end(g), failures(g), atRisk(g), active(g);
   std::vector<double> next(g);
-  const GroupTestWork work{position.data(), end.data(), next.data(), failures.data(),
-                           atRisk.data(), active.data()};
+  const GroupTestWork work{position.data(), end.data(),    next.data(),
+                           failures.data(), atRisk.data(), active.data()};
   const GroupTestSums sums{out.logrank.data(), out.wilcoxon.data(), out.logrankCov.data(),
                            out.wilcoxonCov.data()};
   if (sweep) {
@@ -158,14 +157,12 @@ TEST(SurvivalOrder, GroupTimeKindRow) {
   const std::vector<double> time = {5, 3, 5, 3, m, 1, 5, 2};
   const std::vector<double> censor = {1, 0, 0, 1, 0, 0, 0, 0};
   const std::vector<int32_t> group = {0, 1, 0, 0, kExcludedRow, kExcludedRow, 0, 1};
-  std::vector<int32_t> order(8), work(8);
-  std::vector<double> keys(8);
-  OrderSurvivalRowsArrays(8, time.data(), censor.data(), group.data(), work.data(), keys.data(),
-                          order.data());
+  std::vector<int32_t> order(8);
+  std::vector<SurvivalSortKey> keys(8);
+  OrderSurvivalRowsArrays(8, time.data(), censor.data(), group.data(), keys.data(), order.data());
   EXPECT_EQ(order, (std::vector<int32_t>{3, 2, 6, 0, 7, 1, 5, 4}));
   // Without a censoring column withdrawals do not exist and rows keep row order.
-  OrderSurvivalRowsArrays(8, time.data(), nullptr, group.data(), work.data(), keys.data(),
-                          order.data());
+  OrderSurvivalRowsArrays(8, time.data(), nullptr, group.data(), keys.data(), order.data());
   EXPECT_EQ(order, (std::vector<int32_t>{3, 0, 2, 6, 7, 1, 5, 4}));
 }
 

@@ -17,9 +17,8 @@ class Life2Fixture : public ModuleFixture {
  protected:
   // Loads the sheet, binds Slot 0 with the option defaults and the
   // expressions, loads the variables as Begin does and runs Life2Prepare.
-  zv::ProcedureState& Run(std::string_view csv, std::string_view time,
-                          std::string_view censor = {}, std::string_view group = {},
-                          std::string_view select = {});
+  zv::ProcedureState& Run(std::string_view csv, std::string_view time, std::string_view censor = {},
+                          std::string_view group = {}, std::string_view select = {});
 
   template <class T>
   std::vector<T> Block(const zv::ProcedureState& state, int binding, size_t count) const {

@@ -1,8 +1,7 @@
-#include "life2_fixture.h"
-
 #include <fstream>
 #include <sstream>
 
+#include "life2_fixture.h"
 #include "services/variables.h"
 #include "survival/life2.h"
 

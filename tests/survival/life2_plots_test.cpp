@@ -40,10 +40,15 @@ TEST_F(Life2Plots, ConfidenceLimitsForOneGroup) {
   ASSERT_EQ(graph.elements.size(), 7u);  // 3 x 2 limits, 1 series
   const double z = boost::math::quantile(boost::math::normal(), 0.975);
   const double e1 = 0.75 * std::sqrt(1.0 / 12);
-  struct Segment { int line; double x0, x1, y; };
+  struct Segment {
+    int line;
+    double x0, x1, y;
+  };
   const Segment kSegments[] = {
-      {__LINE__, 0, 2, 1.0},           {__LINE__, 0, 2, 1.0},
-      {__LINE__, 2, 5, 0.75 - e1 * z}, {__LINE__, 2, 5, 1.0},  // the upper limit is cut at 1
+      {__LINE__, 0, 2, 1.0},
+      {__LINE__, 0, 2, 1.0},
+      {__LINE__, 2, 5, 0.75 - e1 * z},
+      {__LINE__, 2, 5, 1.0},  // the upper limit is cut at 1
       {__LINE__, 5, 7, 0.375 - 0.375 * std::sqrt(7.0 / 12) * z},
       {__LINE__, 5, 7, 0.375 + 0.375 * std::sqrt(7.0 / 12) * z},
   };
@@ -62,8 +67,8 @@ TEST_F(Life2Plots, ConfidenceLimitsForOneGroup) {
   // withdrawal's time.
   const zvchart::Polyline& curve = graph.elements[6];
   EXPECT_EQ(curve.pen, 1);
-  EXPECT_EQ(curve.values, (std::vector<double>{0, 1, -1, 2, 1, -1, 2, 0.75, -1, 5, 0.75, -1,
-                                               5, 0.375, -1, 7, 0.375, -1}));
+  EXPECT_EQ(curve.values, (std::vector<double>{0, 1, -1, 2, 1, -1, 2, 0.75, -1, 5, 0.75, -1, 5,
+                                               0.375, -1, 7, 0.375, -1}));
 }
 
 // Two groups: no limits although asked for; one series each and a legend of

@@ -30,7 +30,13 @@ class Life2Prepare : public Life2Fixture {
 // A time at or below 0 anywhere stops the analysis, even in a row that its
 // group value would exclude; a row without a censoring value no longer counts.
 TEST_F(Life2Prepare, NonPositiveTimeGivesStatus1069) {
-  struct Row { int line; const char* csv; const char* censor; const char* group; int32_t status; };
+  struct Row {
+    int line;
+    const char* csv;
+    const char* censor;
+    const char* group;
+    int32_t status;
+  };
   const Row kRows[] = {
       {__LINE__, "T,C,G\n3,0,1\n0,0,1\n", "", "", 1069},
       {__LINE__, "T,C,G\n3,0,1\n-2,0,\n", "", "G", 1069},
@@ -67,13 +73,12 @@ TEST_F(Life2Prepare, NumericGroupsAndLabels) {
 // Character groups: blank cells leave the analysis, labels are cut to 20
 // characters, groups follow the byte order of the values.
 TEST_F(Life2Prepare, CharacterGroupsAndLabels) {
-  const zv::ProcedureState& state = Run(
-      "T,G\n5,beta\n3,alpha and a long name to cut\n4,\n6,beta\n", "T", "", "G");
+  const zv::ProcedureState& state =
+      Run("T,G\n5,beta\n3,alpha and a long name to cut\n4,\n6,beta\n", "T", "", "G");
   ASSERT_EQ(state.status, 0);
   EXPECT_EQ(Get(state, zv::kGroupCount), 2);
   EXPECT_EQ(Labels(state), "alpha and a long nambeta                ");
-  EXPECT_EQ(Block<int32_t>(state, zv::kGroupCountsBinding, 4),
-            (std::vector<int32_t>{1, 2, 1, 2}));
+  EXPECT_EQ(Block<int32_t>(state, zv::kGroupCountsBinding, 4), (std::vector<int32_t>{1, 2, 1, 2}));
 }
 
 // A group column of only missing values: no group and no analysed row, but
@@ -119,11 +124,13 @@ TEST_F(Life2Prepare, PublishedRemissionData) {
   const std::vector<double> time = Block<double>(state, zv::kTimeBinding, 42);
   const std::vector<double> survival = Block<double>(state, zv::kSurvivalBinding, 42);
   const std::vector<double> error = Block<double>(state, zv::kSurvivalErrorBinding, 42);
-  struct Step { int line; double time, survival, error; };
+  struct Step {
+    int line;
+    double time, survival, error;
+  };
   const Step kSteps[] = {
-      {__LINE__, 6, 0.857, 0.0764},  {__LINE__, 7, 0.807, 0.0869},
-      {__LINE__, 10, 0.753, 0.0963}, {__LINE__, 13, 0.690, 0.1068},
-      {__LINE__, 16, 0.627, 0.1141}, {__LINE__, 22, 0.538, 0.1282},
+      {__LINE__, 6, 0.857, 0.0764},  {__LINE__, 7, 0.807, 0.0869},  {__LINE__, 10, 0.753, 0.0963},
+      {__LINE__, 13, 0.690, 0.1068}, {__LINE__, 16, 0.627, 0.1141}, {__LINE__, 22, 0.538, 0.1282},
       {__LINE__, 23, 0.448, 0.1346},
   };
   for (const Step& s : kSteps) {

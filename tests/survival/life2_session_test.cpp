@@ -108,10 +108,10 @@ TEST_F(Life2Session, OptionDialogsAndTheirRanges) {
   EXPECT_EQ(Get(state, zv::kPercentiles, 1), 0.0);
   EXPECT_EQ(Get(state, zv::kFirstPercentile), 90.0);  // the pane was rebuilt
 
-  Script({{852,
-           {DialogAction::Check(107, 1), DialogAction::SetText(141, "100"),
-            DialogAction::Press(kIdOk), DialogAction::SetText(141, "99.9999"),
-            DialogAction::Press(kIdOk)}}});
+  Script(
+      {{852,
+        {DialogAction::Check(107, 1), DialogAction::SetText(141, "100"), DialogAction::Press(kIdOk),
+         DialogAction::SetText(141, "99.9999"), DialogAction::Press(kIdOk)}}});
   EXPECT_EQ(Life2Opts(pane.get(), 0, 8, paneRecord.get(), 0, 0, 0), 1);
   EXPECT_EQ(Get(state, zv::kShowConfidenceLimits), 1);
   EXPECT_EQ(Get(state, zv::kConfidenceLevel), 99.9999);
@@ -154,9 +154,15 @@ TEST_F(Life2Session, InterpretationOfEachPane) {
   // Pane 3: the conclusion rests on the smaller P-value, with strict bounds.
   std::string groups = LoadText(5603);
   groups.replace(groups.find("%d"), 2, "2");
-  struct Row { int line; double p; int32_t string; };
-  const Row kRows[] = {{__LINE__, 0.0099, 5604}, {__LINE__, 0.01, 5605},
-                       {__LINE__, 0.05, 5606}, {__LINE__, 0.0999, 5606},
+  struct Row {
+    int line;
+    double p;
+    int32_t string;
+  };
+  const Row kRows[] = {{__LINE__, 0.0099, 5604},
+                       {__LINE__, 0.01, 5605},
+                       {__LINE__, 0.05, 5606},
+                       {__LINE__, 0.0999, 5606},
                        {__LINE__, 0.1, 5607}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
@@ -171,8 +177,8 @@ TEST_F(Life2Session, InterpretationOfEachPane) {
   zv::Set(state, zv::kGroupCount, 1);
   EXPECT_EQ(Interpret(state, 8), join({LoadText(8984), LoadText(8985), LoadText(8986)}));
   zv::Set(state, zv::kShowConfidenceLimits, 1);
-  EXPECT_EQ(Interpret(state, 8), join({LoadText(8984), LoadText(8985),
-                                       LoadText(8987) + "95.0" + LoadText(8988)}));
+  EXPECT_EQ(Interpret(state, 8),
+            join({LoadText(8984), LoadText(8985), LoadText(8987) + "95.0" + LoadText(8988)}));
 }
 
 }  // namespace

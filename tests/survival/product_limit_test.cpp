@@ -73,7 +73,11 @@ const Group kLastWithdrawn({2, 3, 3, 5, 6, 8}, {0, 0, 0, 1, 0, 1});
 
 TEST(ProductLimit, HandWorkedGroupWithTiesAndWithdrawals) {
   const Estimates e = Estimate(kLastWithdrawn);
-  struct Row { int line; int32_t atRisk; double survival, error, hazard; };
+  struct Row {
+    int line;
+    int32_t atRisk;
+    double survival, error, hazard;
+  };
   const Row kRows[] = {
       {__LINE__, 5, 5.0 / 6, std::sqrt(1.0 / 30) * 5 / 6, -std::log(5.0 / 6)},
       {__LINE__, 4, 0.5, std::sqrt(1.0 / 6) / 2, -std::log(2.0 / 3)},  // hazard not carried back
@@ -106,8 +110,7 @@ TEST(ProductLimit, LastObservationFailed) {
   EXPECT_EQ(e.error[5], 0.0);
   EXPECT_EQ(e.hazard[5], kMissing);
   EXPECT_NEAR(e.mean, 29.0 / 6, 1e-14);
-  EXPECT_NEAR(MeanSurvivalErrorDirect(g.View(), e.survival.data()), std::sqrt(125.0 / 108),
-              1e-15);
+  EXPECT_NEAR(MeanSurvivalErrorDirect(g.View(), e.survival.data()), std::sqrt(125.0 / 108), 1e-15);
   EXPECT_NEAR(MeanErrorSweep(g, e.survival), std::sqrt(125.0 / 108), 1e-15);
 }
 
@@ -136,7 +139,11 @@ TEST(ProductLimit, NegativeCensoringValue) {
 }
 
 TEST(ProductLimit, SingleRows) {
-  struct Row { int line; double censor; double mean, error; };
+  struct Row {
+    int line;
+    double censor;
+    double mean, error;
+  };
   const Row kRows[] = {
       {__LINE__, 0, 7.0, 0.0},  // one failure: mean its time, error 0
       {__LINE__, 1, 7.0, 0.0},  // one withdrawal: the area runs to its time
@@ -171,7 +178,10 @@ TEST(ProductLimit, WithdrawalsOnly) {
 //   P 99: estimate 2 (5/6 <= .99), but no failure reaches 1.04: error blank.
 TEST(ProductLimit, Percentiles) {
   const Estimates e = Estimate(kLastWithdrawn);
-  struct Row { int line; double percentile, estimate, error; };
+  struct Row {
+    int line;
+    double percentile, estimate, error;
+  };
   const Row kRows[] = {
       {__LINE__, 50, 3, std::sqrt(1.0 / 6) / 2 / (7.0 / 48)},
       {__LINE__, 75, 3, std::sqrt(1.0 / 6) / 2 * 3},

@@ -1,0 +1,216 @@
+// The product-limit procedure on large sheets: Begin (loading the three
+// columns and the whole computation) plus all six panes, and the two passes
+// whose direct forms grow with the square of the data.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "frame/exports.h"
+#include "frame/host_records.h"
+#include "frame/module_start.h"
+#include "frame/module_state.h"
+#include "survival/group_tests.h"
+#include "survival/life2.h"
+#include "survival/product_limit.h"
+#include "zvgrid/sheet.h"
+#include "zvgrid/zvgrid.h"
+
+namespace {
+
+void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {}
+void Wait(zv::HostHelpRecord*, int32_t) {}
+void Modified(zv::HostRecord*, int32_t) {}
+zv::ProcedureStateVtbl gStateVtbl{Refresh};
+zv::HostHelpRecordVtbl gHelpVtbl{Wait};
+zv::HostRecordVtbl gHostVtbl{Modified};
+
+template <class T>
+std::unique_ptr<T> Zeroed() {
+  auto object = std::make_unique<T>();
+  std::memset(static_cast<void*>(object.get()), 0, sizeof(T));
+  return object;
+}
+
+// Remission-like times: three arms with exponential times of means 20, 30
+// and 45, kept to two decimals (so there are ties), about a third withdrawn.
+void LoadTrialSheet(int32_t n) {
+  std::mt19937_64 random(1963);
+  std::vector<double> time(n), censored(n);
+  std::vector<std::string> arm(n);
+  const char* const kArms[] = {"Control", "Low dose", "High dose"};
+  const double kMeans[] = {20.0, 30.0, 45.0};
+  for (int32_t i = 0; i < n; ++i) {
+    const int a = static_cast<int>(random() % 3);
+    std::exponential_distribution<double> draw(1.0 / kMeans[a]);
+    time[i] = std::ceil(draw(random) * 100.0) / 100.0;
+    censored[i] = random() % 3 == 0 ? 1.0 : 0.0;
+    arm[i] = kArms[a];
+  }
+  zvgrid::ClearSheet();
+  zvgrid::AddNumericColumn("Time", std::move(time));
+  zvgrid::AddNumericColumn("Censored", std::move(censored));
+  zvgrid::AddTextColumn("Arm", std::move(arm));
+}
+
+// The Host's side of one analysis in Slot 0.
+struct Analysis {
+  explicit Analysis(int32_t n) {
+    static bool started = false;
+    if (!started) {
+      zv::ModuleStart();
+      started = true;
+    }
+    LoadTrialSheet(n);
+    help = Zeroed<zv::HostHelpRecord>();
+    help->vtable = WinRegister(&gHelpVtbl);
+    advice.assign(zv::kAdviceBufferSize, '\0');
+    IsKeel4Loaded(help.get(), advice.data(), 0);
+    host = Zeroed<zv::HostRecord>();
+    host->vtable = WinRegister(&gHostVtbl);
+    host->nextGraphId = 1;
+    host->graphKeepId = -1;
+    host->rowCount = GridRowCount();
+    zv::gHost = host.get();
+    view = Zeroed<zv::HostView>();
+    pane = Zeroed<zv::PaneWindow>();
+    pane->window = WinCreateWindow("pane");
+    record = Zeroed<zv::PaneRecord>();
+    state = Zeroed<zv::ProcedureState>();
+    state->vtable = WinRegister(&gStateVtbl);
+    state->rowCount = host->rowCount;
+    state->procedureCode = 5764;
+    state->firstListCount = 3;
+    zv::gStates[0] = state.get();
+    zv::gViews[0] = view.get();
+    zv::Life2WriteDefaults(*state);
+    const char* const kTexts[] = {"Time", "Censored", "Arm"};
+    for (int b = 0; b < 3; ++b) state->bindings[b].expression = WinTextCreate(kTexts[b]);
+    state->bindings[zv::kSelectBinding].expression = WinTextCreate("");
+  }
+  ~Analysis() {
+    for (zv::VariableBinding& binding : state->bindings) WinGlobalFree(binding.data);
+    WinGlobalFree(state->order);
+    zv::gStates[0] = nullptr;
+  }
+
+  std::unique_ptr<zv::HostHelpRecord> help;
+  std::unique_ptr<zv::HostRecord> host;
+  std::unique_ptr<zv::HostView> view;
+  std::unique_ptr<zv::PaneWindow> pane;
+  std::unique_ptr<zv::PaneRecord> record;
+  std::unique_ptr<zv::ProcedureState> state;
+  std::vector<char> advice;
+};
+
+// Begin plus the six panes, as the Host calls them for a new analysis.
+void BM_Life2BeginAndPanes(benchmark::State& bench) {
+  Analysis analysis(static_cast<int32_t>(bench.range(0)));
+  for (auto _ : bench) {
+    Life2Begin(0, 0, 0);
+    for (int32_t item : {1, 2, 3, 8, 9, 10}) {
+      Life2Item(analysis.pane.get(), 0, item, analysis.record.get(), 0);
+    }
+    if (analysis.state->status != 0) bench.SkipWithError("the analysis failed");
+  }
+  bench.SetItemsProcessed(bench.iterations() * bench.range(0));
+}
+BENCHMARK(BM_Life2BeginAndPanes)
+    ->RangeMultiplier(10)
+    ->Range(10'000, 1'000'000)
+    ->Unit(benchmark::kMillisecond);
+
+// The computation alone, on columns already loaded.
+void BM_Life2Prepare(benchmark::State& bench) {
+  Analysis analysis(static_cast<int32_t>(bench.range(0)));
+  Life2Begin(0, 0, 0);
+  for (auto _ : bench) {
+    zv::Life2Prepare(0, 0);
+  }
+  bench.SetItemsProcessed(bench.iterations() * bench.range(0));
+}
+BENCHMARK(BM_Life2Prepare)
+    ->RangeMultiplier(10)
+    ->Range(10'000, 1'000'000)
+    ->Unit(benchmark::kMillisecond);
+
+// One group of distinct times, a third withdrawn, in survival order.
+struct SortedGroup {
+  explicit SortedGroup(int32_t n) : time(n), censor(n), rows(n) {
+    std::mt19937_64 random(7);
+    for (int32_t i = 0; i < n; ++i) {
+      time[i] = 1.0 + i;
+      censor[i] = random() % 3 == 0 ? 1.0 : 0.0;
+    }
+    std::iota(rows.begin(), rows.end(), 0);
+  }
+  std::vector<double> time, censor;
+  std::vector<int32_t> rows;
+};
+
+// The error of the mean: the direct form is quadratic, the sweep linear.
+void BM_MeanErrorDirect(benchmark::State& bench) {
+  const int32_t n = static_cast<int32_t>(bench.range(0));
+  SortedGroup g(n);
+  std::vector<int32_t> atRisk(n);
+  std::vector<double> survival(n), error(n), hazard(n);
+  const zv::SurvivalGroup group{g.rows.data(), n, g.time.data(), g.censor.data()};
+  zv::EstimateProductLimit(group, {atRisk.data(), survival.data(), error.data(), hazard.data()});
+  for (auto _ : bench) {
+    benchmark::DoNotOptimize(zv::MeanSurvivalErrorDirect(group, survival.data()));
+  }
+  bench.SetComplexityN(n);
+}
+BENCHMARK(BM_MeanErrorDirect)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
+
+void BM_MeanErrorSweep(benchmark::State& bench) {
+  const int32_t n = static_cast<int32_t>(bench.range(0));
+  SortedGroup g(n);
+  std::vector<int32_t> atRisk(n);
+  std::vector<double> survival(n), error(n), hazard(n), scratch(n);
+  const zv::SurvivalGroup group{g.rows.data(), n, g.time.data(), g.censor.data()};
+  zv::EstimateProductLimit(group, {atRisk.data(), survival.data(), error.data(), hazard.data()});
+  for (auto _ : bench) {
+    benchmark::DoNotOptimize(zv::MeanSurvivalErrorSweep(group, survival.data(), scratch.data()));
+  }
+  bench.SetComplexityN(n);
+}
+BENCHMARK(BM_MeanErrorSweep)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
+
+// The group comparison on three groups of distinct times: the direct form
+// rescans every row at each time, the sweep walks each row once.
+template <bool kSweep>
+void BM_GroupTests(benchmark::State& bench) {
+  const int32_t n = static_cast<int32_t>(bench.range(0));
+  SortedGroup g(n);
+  // Rows i, i + 3, ... form group i % 3; in order by group, then time.
+  std::vector<int32_t> order(n);
+  int32_t sizes[3] = {0, 0, 0};
+  for (int32_t i = 0; i < n; ++i) ++sizes[i % 3];
+  int32_t at[3] = {0, sizes[0], sizes[0] + sizes[1]};
+  for (int32_t i = 0; i < n; ++i) order[at[i % 3]++] = i;
+  const zv::SurvivalSample sample{order.data(), g.time.data(), g.censor.data(), sizes, 3};
+  for (auto _ : bench) {
+    double scores[6] = {}, covariances[18] = {};
+    int32_t position[3], end[3], failures[3], atRisk[3], active[3];
+    double next[3];
+    const zv::GroupTestWork work{position, end, next, failures, atRisk, active};
+    const zv::GroupTestSums sums{scores, scores + 3, covariances, covariances + 9};
+    if (kSweep) {
+      zv::AccumulateGroupTestsSweep(sample, work, sums);
+    } else {
+      zv::AccumulateGroupTestsDirect(sample, work, sums);
+    }
+    benchmark::DoNotOptimize(scores);
+  }
+  bench.SetComplexityN(n);
+}
+BENCHMARK(BM_GroupTests<false>)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
+BENCHMARK(BM_GroupTests<true>)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
+
+}  // namespace
