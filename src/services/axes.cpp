@@ -75,8 +75,8 @@ void FillTicks(PaneRecord& pane, int index, int32_t n, double low, double high, 
 int32_t TickMarks(const PaneRecord& pane, int index, int32_t count) {
   const int32_t intervals = count - 1;
   if (pane.logScale[index] == 1 && pane.minorOn[index] != 0) {
-    const bool shared = pane.threeD != 0 || pane.frameKind == 1 || pane.frameKind == 3 ||
-                        pane.tickSide[index] != 0;
+    const bool shared =
+        pane.threeD != 0 || pane.frameKind == 1 || pane.frameKind == 3 || pane.tickSide[index] != 0;
     return intervals * 9 - (shared ? 1 : 0);
   }
   return count - 2;
@@ -112,8 +112,8 @@ int32_t NiceScale(double low, double high, double* outLow, double* outHigh, doub
   // Limits in units of the leading power of ten, to one decimal.
   const double p = std::pow(10.0, std::floor(std::log10(high - low)));
   const double top = std::ceil(high / p * 10.0) * 0.1;
-  double bottom = std::fabs(low / p) >= 10.0 ? std::floor(low / p)
-                                             : std::floor(low / p * 10.0) * 0.1;
+  double bottom =
+      std::fabs(low / p) >= 10.0 ? std::floor(low / p) : std::floor(low / p * 10.0) * 0.1;
   if (bottom == 0.0) bottom = 0.001;
   if (top / bottom > 4.0) bottom = 0.0;  // a range far from 0 is shown from 0
   const double span = top - bottom;
@@ -158,8 +158,8 @@ int32_t NiceScale(double low, double high, double* outLow, double* outHigh, doub
   }
   if (collide) {  // whole numbers are too coarse: one decimal each
     for (int32_t i = 0; i <= n; ++i) {
-      rounded[i] = std::min(std::ceil(10.0 * ticks[i]) * 0.1,
-                            std::ceil(10.0 * ticks[i] - 1e-10) * 0.1);
+      rounded[i] =
+          std::min(std::ceil(10.0 * ticks[i]) * 0.1, std::ceil(10.0 * ticks[i] - 1e-10) * 0.1);
     }
   }
 

@@ -1,6 +1,7 @@
 #include "services/graph_pane.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
@@ -28,22 +29,35 @@ constexpr int32_t kAddedTextFlagMarker = -999;
 constexpr double kPositionScale = 100000.0;
 constexpr double kPositionOrigin = 500000.0;
 
+using TextNumbers = std::array<int32_t, kTextNumberWords>;
+
+// A text item with its own strings, so that adding to an earlier item keeps
+// the strings of all items in item order without moving the others. The
+// count word is set from the strings when the text is stored.
+struct ScratchItem {
+  std::array<int32_t, kTextItemWords> words{};
+  std::vector<std::string> strings;
+  std::vector<TextNumbers> numbers;  // one entry per string
+};
+
+// Small text kinds find their last item directly.
+constexpr int32_t kIndexedKinds = 32;
+
 // The graph being built. One for the module: one graph at a time.
 struct GraphScratch {
-  std::vector<int32_t> textItems;  // kTextItemWords per item
-  std::vector<std::string> textStrings;
-  std::vector<int32_t> textNumbers;  // kTextNumberWords per string
-  int32_t keptItemCount = 0;         // items taken over from the last graph
-  int32_t restoring = 0;             // 1 while the last graph's text is in force
-  bool active = false;               // from a BeginGraph that succeeded to EndGraph
-  bool failed = false;               // a list could not grow: nothing is drawn
+  std::vector<ScratchItem> textItems;
+  std::array<int32_t, kIndexedKinds> lastOfKind{};  // item index + 1; 0 for none
+  int32_t keptItemCount = 0;                        // items taken over from the last graph
+  int32_t restoring = 0;                            // 1 while the last graph's text is in force
+  bool active = false;                              // from a BeginGraph that succeeded to EndGraph
+  bool failed = false;                              // a list could not grow: nothing is drawn
   GraphLists lists;
 };
 
 GraphScratch gScratch;
 
-// Runs `grow`, which either completes or throws std::bad_alloc before it
-// changes anything. A failure shows string 1001 once per graph.
+// Runs `grow`, which adds to the scratch. Running out of memory shows string
+// 1001 once per graph, and the graph then draws nothing.
 template <class F>
 bool Guarded(F&& grow) {
   try {
@@ -58,19 +72,20 @@ bool Guarded(F&& grow) {
 
 void ClearScratch(GraphScratch& s) {
   s.textItems.clear();
-  s.textStrings.clear();
-  s.textNumbers.clear();
+  s.lastOfKind.fill(0);
   s.keptItemCount = 0;
   s.lists = GraphLists{};
 }
 
 // Titles and legends that the user may have edited come back from the last
 // graph; tick and factor labels are always made from the current scales.
-bool IsKeptKind(int32_t kind) { return kind < 6 || kind == 12 || kind == 13 || kind == 19; }
+bool IsKeptKind(int32_t kind) {
+  return kind < 6 || kind == 12 || kind == 13 || kind == 19;
+}
 
 bool KeptHasKind(const GraphScratch& s, int32_t kind) {
   for (int32_t i = 0; i < s.keptItemCount; ++i) {
-    if (s.textItems[static_cast<size_t>(i) * kTextItemWords + 1] == kind) return true;
+    if (s.textItems[static_cast<size_t>(i)].words[1] == kind) return true;
   }
   return false;
 }
@@ -94,7 +109,7 @@ constexpr WordRun kIntegerWordRuns[] = {
     {12, offsetof(PaneRecord, minorOn), 3},
     {15, offsetof(PaneRecord, tickLength), 3},
     {18, offsetof(PaneRecord, optionWord18), 1},
-    {19, offsetof(PaneRecord, textStyleE), 6 * 20},  // E to J
+    {19, offsetof(PaneRecord, textStyleE), 6 * 20},   // E to J
     {139, offsetof(PaneRecord, textStyleA), 4 * 20},  // A to D
     {219, offsetof(PaneRecord, textStyleK), 4 * 20},  // K to N
     {299, offsetof(PaneRecord, textStyleO), 20},
@@ -129,7 +144,8 @@ void OptionsFromRecord(const PaneRecord& pane, int32_t* words, double* reals) {
   for (const WordRun& run : kIntegerWordRuns) {
     std::memcpy(words + run.firstWord, base + run.offset, run.count * sizeof(int32_t));
   }
-  for (uint16_t i = 0; i < kByteWordCount; ++i) words[kByteWordFirst + i] = base[kByteWordOffset + i];
+  for (uint16_t i = 0; i < kByteWordCount; ++i)
+    words[kByteWordFirst + i] = base[kByteWordOffset + i];
   for (const WordRun& run : kRealRuns) {
     std::memcpy(reals + run.firstWord, base + run.offset, run.count * sizeof(double));
   }
@@ -156,6 +172,33 @@ int32_t TruncateToInt32(double v) {
   return static_cast<int32_t>(v);
 }
 
+// The last item of `kind`, or nullptr.
+ScratchItem* LastItemOfKind(GraphScratch& s, int32_t kind) {
+  if (kind >= 0 && kind < kIndexedKinds) {
+    const int32_t index = s.lastOfKind[static_cast<size_t>(kind)];
+    return index > 0 ? &s.textItems[static_cast<size_t>(index - 1)] : nullptr;
+  }
+  for (size_t i = s.textItems.size(); i-- > 0;) {
+    if (s.textItems[i].words[1] == kind) return &s.textItems[i];
+  }
+  return nullptr;
+}
+
+// Appends an item: either it is added whole or, when memory runs out, the
+// scratch stays as it was.
+void AppendItem(GraphScratch& s, ScratchItem&& item) {
+  const int32_t kind = item.words[1];
+  s.textItems.push_back(std::move(item));
+  if (kind >= 0 && kind < kIndexedKinds) {
+    s.lastOfKind[static_cast<size_t>(kind)] = static_cast<int32_t>(s.textItems.size());
+  }
+}
+
+TextNumbers PlaceOf(double x, double y, double z, size_t length) {
+  return {EncodeTextPosition(x), EncodeTextPosition(y), EncodeTextPosition(z),
+          static_cast<int32_t>(length)};
+}
+
 // Copies the last graph's titles and legends into the scratch, in order,
 // skipping the items of other kinds with their strings. false when the
 // stored blocks cannot be had.
@@ -173,23 +216,23 @@ bool TakeOldTextBack(const PaneRecord& pane, GraphScratch& s) {
                 strings.size() / kTextStringBytes, numbers.size() / kTextNumberWords});
   size_t next = 0;
   for (size_t i = 0; i < itemCount; ++i) {
-    const int32_t* item = &items[i * kTextItemWords];
+    const int32_t* words = &items[i * kTextItemWords];
     const size_t first = next;
-    next = std::min(stringCount, next + static_cast<size_t>(std::max(item[0], 0)));
-    if (!IsKeptKind(item[1]) || first == next) continue;
-    s.textItems.insert(s.textItems.end(), item, item + kTextItemWords);
-    s.textItems[s.textItems.size() - kTextItemWords] = static_cast<int32_t>(next - first);
+    next = std::min(stringCount, next + static_cast<size_t>(std::max(words[0], 0)));
+    if (!IsKeptKind(words[1]) || first == next) continue;
+    ScratchItem item;
+    std::copy(words, words + kTextItemWords, item.words.begin());
     for (size_t j = first; j < next; ++j) {
       const double* number = &numbers[j * kTextNumberWords];
       const int32_t length =
           std::clamp(TruncateToInt32(number[3]), 0, static_cast<int32_t>(kTextStringBytes));
-      s.textStrings.emplace_back(&strings[j * kTextStringBytes], static_cast<size_t>(length));
-      s.textNumbers.push_back(EncodeTextPosition(number[0]));
-      s.textNumbers.push_back(EncodeTextPosition(number[1]));
-      s.textNumbers.push_back(EncodeTextPosition(number[2]));
-      s.textNumbers.push_back(length);
-      for (int k = 4; k < kTextNumberWords; ++k) s.textNumbers.push_back(TruncateToInt32(number[k]));
+      item.strings.emplace_back(&strings[j * kTextStringBytes], static_cast<size_t>(length));
+      TextNumbers entry{EncodeTextPosition(number[0]), EncodeTextPosition(number[1]),
+                        EncodeTextPosition(number[2]), length};
+      for (int k = 4; k < kTextNumberWords; ++k) entry[k] = TruncateToInt32(number[k]);
+      item.numbers.push_back(entry);
     }
+    AppendItem(s, std::move(item));
     ++s.keptItemCount;
   }
   return true;
@@ -230,31 +273,10 @@ void ResetRecord(PaneRecord& pane, int32_t keep, int32_t restoring) {
     }
   }
   pane.textItemCount = pane.textStringCount = pane.textNumberCount = 0;
-  for (std::string* title : {&gXTitle, &gYTitle, &gZTitle, &gLegendTitle, &gMainTitle, &gSubTitle}) {
+  for (std::string* title :
+       {&gXTitle, &gYTitle, &gZTitle, &gLegendTitle, &gMainTitle, &gSubTitle}) {
     title->clear();
   }
-}
-
-// Index of the last item of `kind`, or -1.
-int32_t LastItemOfKind(const GraphScratch& s, int32_t kind) {
-  for (size_t i = s.textItems.size() / kTextItemWords; i-- > 0;) {
-    if (s.textItems[i * kTextItemWords + 1] == kind) return static_cast<int32_t>(i);
-  }
-  return -1;
-}
-
-void AppendNumbers(GraphScratch& s, size_t at, double x, double y, double z, size_t length) {
-  const int32_t entry[kTextNumberWords] = {EncodeTextPosition(x), EncodeTextPosition(y),
-                                           EncodeTextPosition(z), static_cast<int32_t>(length),
-                                           0, 0, 0, 0};
-  s.textNumbers.insert(s.textNumbers.begin() + static_cast<ptrdiff_t>(at * kTextNumberWords),
-                       entry, entry + kTextNumberWords);
-}
-
-void ReserveOneMore(GraphScratch& s) {
-  s.textItems.reserve(s.textItems.size() + kTextItemWords);
-  s.textStrings.reserve(s.textStrings.size() + 1);
-  s.textNumbers.reserve(s.textNumbers.size() + kTextNumberWords);
 }
 
 uint32_t PackedColor(const PaneRecord& pane, int index) {
@@ -268,8 +290,9 @@ uint32_t PackedColor(const PaneRecord& pane, int index) {
 // Writes the scratch's text into fresh record blocks. false when a block
 // could not be had; the record then holds no text.
 bool StoreText(PaneRecord& pane, const GraphScratch& s) {
-  const size_t items = s.textItems.size() / kTextItemWords;
-  const size_t strings = s.textStrings.size();
+  const size_t items = s.textItems.size();
+  size_t strings = 0;
+  for (const ScratchItem& item : s.textItems) strings += item.strings.size();
   FreeGlobal(&pane.textItems);
   FreeGlobal(&pane.textStrings);
   FreeGlobal(&pane.textNumbers);
@@ -299,17 +322,23 @@ bool StoreText(PaneRecord& pane, const GraphScratch& s) {
   LockedBlock<char> stringBlock(pane.textStrings);
   LockedBlock<double> numberBlock(pane.textNumbers);
   if (!itemBlock || !stringBlock || !numberBlock) return false;
-  std::copy(s.textItems.begin(), s.textItems.end(), itemBlock.get());
-  for (size_t j = 0; j < strings; ++j) {
-    char* target = &stringBlock[j * kTextStringBytes];
-    const std::string& text = s.textStrings[j];
-    const size_t length = std::min<size_t>(text.size(), kTextStringBytes);
-    std::memcpy(target, text.data(), length);
-    std::memset(target + length, ' ', kTextStringBytes - length);
-    const int32_t* number = &s.textNumbers[j * kTextNumberWords];
-    double* out = &numberBlock[j * kTextNumberWords];
-    for (int k = 0; k < 3; ++k) out[k] = DecodeTextPosition(number[k]);
-    for (int k = 3; k < kTextNumberWords; ++k) out[k] = number[k];
+  size_t j = 0;
+  for (size_t i = 0; i < items; ++i) {
+    const ScratchItem& item = s.textItems[i];
+    int32_t* words = &itemBlock[i * kTextItemWords];
+    std::copy(item.words.begin(), item.words.end(), words);
+    words[0] = static_cast<int32_t>(item.strings.size());
+    for (size_t k = 0; k < item.strings.size(); ++k, ++j) {
+      char* target = &stringBlock[j * kTextStringBytes];
+      const std::string& text = item.strings[k];
+      const size_t length = std::min<size_t>(text.size(), kTextStringBytes);
+      std::memcpy(target, text.data(), length);
+      std::memset(target + length, ' ', kTextStringBytes - length);
+      const TextNumbers& number = item.numbers[k];
+      double* out = &numberBlock[j * kTextNumberWords];
+      for (int w = 0; w < 3; ++w) out[w] = DecodeTextPosition(number[w]);
+      for (int w = 3; w < kTextNumberWords; ++w) out[w] = number[w];
+    }
   }
   return true;
 }
@@ -356,16 +385,24 @@ bool ResizeList(std::vector<T>& list, size_t size) {
 
 }  // namespace
 
-GraphLists& CurrentGraphLists() { return gScratch.lists; }
+GraphLists& CurrentGraphLists() {
+  return gScratch.lists;
+}
 
-bool ResizeGraphList(std::vector<double>& list, size_t size) { return ResizeList(list, size); }
-bool ResizeGraphList(std::vector<int32_t>& list, size_t size) { return ResizeList(list, size); }
+bool ResizeGraphList(std::vector<double>& list, size_t size) {
+  return ResizeList(list, size);
+}
+bool ResizeGraphList(std::vector<int32_t>& list, size_t size) {
+  return ResizeList(list, size);
+}
 
 int32_t EncodeTextPosition(double value) {
   return TruncateToInt32(value * kPositionScale + kPositionOrigin);
 }
 
-double DecodeTextPosition(double stored) { return (stored - kPositionOrigin) * 0.00001; }
+double DecodeTextPosition(double stored) {
+  return (stored - kPositionOrigin) * 0.00001;
+}
 
 int32_t BeginGraph(int32_t keepScales, int32_t rowCount) {
   GraphScratch& s = gScratch;
@@ -430,26 +467,22 @@ void AddText(std::string_view text, int32_t kind, double x, double y, double z) 
   if (s.restoring && IsKeptKind(kind) && KeptHasKind(s, kind)) return;
   Guarded([&] {
     std::string stored(text.substr(0, kTextStringBytes));
-    ReserveOneMore(s);
-    const size_t length = stored.size();
-    const int32_t item = LastItemOfKind(s, kind);
-    if (item < 0) {
-      const int32_t words[kTextItemWords] = {1, kind};
-      s.textItems.insert(s.textItems.end(), words, words + kTextItemWords);
-      AppendNumbers(s, s.textStrings.size(), x, y, z, length);
-      s.textStrings.push_back(std::move(stored));
+    const TextNumbers place = PlaceOf(x, y, z, stored.size());
+    if (ScratchItem* item = LastItemOfKind(s, kind)) {
+      item->numbers.push_back(place);
+      try {
+        item->strings.push_back(std::move(stored));
+      } catch (const std::bad_alloc&) {
+        item->numbers.pop_back();  // strings and numbers stay in step
+        throw;
+      }
       return;
     }
-    // The strings of all items stand in item order: the new one goes behind
-    // the last string of its item.
-    size_t at = 0;
-    for (int32_t i = 0; i <= item; ++i) {
-      at += static_cast<size_t>(std::max(s.textItems[static_cast<size_t>(i) * kTextItemWords], 0));
-    }
-    at = std::min(at, s.textStrings.size());
-    AppendNumbers(s, at, x, y, z, length);
-    s.textStrings.insert(s.textStrings.begin() + static_cast<ptrdiff_t>(at), std::move(stored));
-    ++s.textItems[static_cast<size_t>(item) * kTextItemWords];
+    ScratchItem item;
+    item.words[1] = kind;
+    item.strings.push_back(std::move(stored));
+    item.numbers.push_back(place);
+    AppendItem(s, std::move(item));
   });
 }
 
@@ -460,23 +493,21 @@ void AddStyledText(std::string_view text, double x, double y, double z, int32_t 
   if (s.restoring && flag != kAddedTextFlagMarker) return;
   const PaneRecord& pane = *gCurrentPane;
   Guarded([&] {
-    std::string stored(text.substr(0, kTextStringBytes));
-    ReserveOneMore(s);
-    const int32_t words[kTextItemWords] = {
-        1,
-        kTextFree,
-        style1,
-        style2,
-        style3,
-        flag == kAddedTextFlagMarker ? gAddedTextFlag : flag,
-        last,
-        static_cast<int32_t>(PackedColor(pane, 0)),
-        static_cast<int32_t>(PackedColor(pane, 1)),
-        static_cast<int32_t>(PackedColor(pane, 2)),
-        static_cast<int32_t>(PackedColor(pane, 3))};
-    s.textItems.insert(s.textItems.end(), words, words + kTextItemWords);
-    AppendNumbers(s, s.textStrings.size(), x, y, z, stored.size());
-    s.textStrings.push_back(std::move(stored));
+    ScratchItem item;
+    item.words = {1,
+                  kTextFree,
+                  style1,
+                  style2,
+                  style3,
+                  flag == kAddedTextFlagMarker ? gAddedTextFlag : flag,
+                  last,
+                  static_cast<int32_t>(PackedColor(pane, 0)),
+                  static_cast<int32_t>(PackedColor(pane, 1)),
+                  static_cast<int32_t>(PackedColor(pane, 2)),
+                  static_cast<int32_t>(PackedColor(pane, 3))};
+    item.strings.emplace_back(text.substr(0, kTextStringBytes));
+    item.numbers.push_back(PlaceOf(x, y, z, item.strings.back().size()));
+    AppendItem(s, std::move(item));
   });
 }
 
@@ -580,8 +611,9 @@ void EndGraph(PaneWindow* paneWindow, int32_t slot) {
                 static_cast<int32_t>(lists.elementTable.size() / 3), points,
                 static_cast<int32_t>(pointCount), lists.pointWidth, lists.shapeTable.data(),
                 static_cast<int32_t>(lists.shapeTable.size() / 2), lists.shapePoints.data(),
-                static_cast<int32_t>(lists.shapePoints.size() / kShapeValues), lists.markTable.data(),
-                static_cast<int32_t>(lists.markTable.size() / 2), lists.markPoints.data(),
+                static_cast<int32_t>(lists.shapePoints.size() / kShapeValues),
+                lists.markTable.data(), static_cast<int32_t>(lists.markTable.size() / 2),
+                lists.markPoints.data(),
                 static_cast<int32_t>(lists.markPoints.size() / kMarkValues), items.get(),
                 pane->textItemCount, numbers.get(), strings.get(), pane->textStringCount,
                 titleLines.get(), titleLengths.get(), reals, words, lists.pairX.data(),

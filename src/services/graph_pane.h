@@ -18,11 +18,11 @@ namespace zv {
 inline constexpr int32_t kTextFree = 0;  // free text, the Host's added caption too
 inline constexpr int32_t kTextMainTitle = 1;
 inline constexpr int32_t kTextSubTitle = 2;
-inline constexpr int32_t kTextAxisTitle = 3;   // + axis - 1: 3, 4, 5
-inline constexpr int32_t kTextTickLabel = 6;   // + axis - 1: 6, 7, 8
-inline constexpr int32_t kTextFactor = 9;      // + axis - 1: 9, 10, 11
+inline constexpr int32_t kTextAxisTitle = 3;  // + axis - 1: 3, 4, 5
+inline constexpr int32_t kTextTickLabel = 6;  // + axis - 1: 6, 7, 8
+inline constexpr int32_t kTextFactor = 9;     // + axis - 1: 9, 10, 11
 inline constexpr int32_t kTextLegend = 12;
-inline constexpr int32_t kTextMessage = 20;    // a message in the pane
+inline constexpr int32_t kTextMessage = 20;  // a message in the pane
 
 inline constexpr int32_t kTextItemWords = 11;    // count, kind, nine style words
 inline constexpr int32_t kTextNumberWords = 8;   // x, y, z, length, four zeros

@@ -1,6 +1,8 @@
 // Axis scales: NiceScale worked by hand, the first-call and fixed-axis rules,
 // manual and period axes, minor ticks, frame words, tick label texts and the
 // places of the labels as the chart library receives them.
+#include "services/axes.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,7 +10,6 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
-#include "services/axes.h"
 #include "services/graph_pane.h"
 #include "services/variables.h"
 #include "support/module_fixture.h"
@@ -94,20 +95,18 @@ TEST(NiceScale, WorkedExamples) {
   //  -1000..5: p 1000, top .1, bottom -1, span 1.1: best 5.5, step .2, n 6,
   //         ticks -1...2, times 10: -10..2; m 10 from 2 vs 5, but the low end
   //         -10 vs -1000 needs 100: -1000..200.
-  struct Row { int line; double low, high, outLow, outHigh, factor; int32_t n; };
+  struct Row {
+    int line;
+    double low, high, outLow, outHigh, factor;
+    int32_t n;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, 0, 10, 0, 10, 1, 5},
-      {__LINE__, 0, 7, 0, 8, 1, 4},
-      {__LINE__, -3, 7, -3, 7, 1, 5},
-      {__LINE__, 0, 1234, 0, 1500, 1, 5},
-      {__LINE__, 0, 100, 0, 100, 1, 5},
-      {__LINE__, 0, 1000, 0, 1000, 1000, 5},
-      {__LINE__, 5, 5, 4.5, 5.5, 1, 5},
-      {__LINE__, kMissingValue, kMissingValue, 0, 1, 1, 5},
-      {__LINE__, 1, 100, 0, 100, 1, 5},
-      {__LINE__, -10, 0, -10, 0, 1, 5},
-      {__LINE__, 600, 660, 600, 660, 1, 6},
-      {__LINE__, 0, 0.5, 0, 0.5, 1, 5},
+      {__LINE__, 0, 10, 0, 10, 1, 5},         {__LINE__, 0, 7, 0, 8, 1, 4},
+      {__LINE__, -3, 7, -3, 7, 1, 5},         {__LINE__, 0, 1234, 0, 1500, 1, 5},
+      {__LINE__, 0, 100, 0, 100, 1, 5},       {__LINE__, 0, 1000, 0, 1000, 1000, 5},
+      {__LINE__, 5, 5, 4.5, 5.5, 1, 5},       {__LINE__, kMissingValue, kMissingValue, 0, 1, 1, 5},
+      {__LINE__, 1, 100, 0, 100, 1, 5},       {__LINE__, -10, 0, -10, 0, 1, 5},
+      {__LINE__, 600, 660, 600, 660, 1, 6},   {__LINE__, 0, 0.5, 0, 0.5, 1, 5},
       {__LINE__, -1000, 5, -1000, 200, 1, 6},
   };
   for (const Row& r : kRows) {
@@ -121,7 +120,12 @@ TEST(NiceScale, WorkedExamples) {
 }
 
 TEST_F(AxesTest, AutomaticAxesLabelTheirTicksAndFactor) {
-  struct Row { int line; double low, high; std::vector<std::string> labels; const char* factor; };
+  struct Row {
+    int line;
+    double low, high;
+    std::vector<std::string> labels;
+    const char* factor;
+  };
   const Row kRows[] = {
       {__LINE__, 0, 10, {"0", "2", "4", "6", "8", "10"}, nullptr},
       {__LINE__, 0, 1000, {"0", "0.2", "0.4", "0.6", "0.8", "1"}, "(X 1000)"},
@@ -137,8 +141,8 @@ TEST_F(AxesTest, AutomaticAxesLabelTheirTicksAndFactor) {
     zv::DrawAxisLabels(1, 1, 1);
     const auto& g = Draw();
     EXPECT_EQ(Labels(g, 6), r.labels);
-    EXPECT_EQ(Labels(g, 9), r.factor ? std::vector<std::string>{r.factor}
-                                     : std::vector<std::string>{});
+    EXPECT_EQ(Labels(g, 9),
+              r.factor ? std::vector<std::string>{r.factor} : std::vector<std::string>{});
     EXPECT_EQ(Labels(g, 3), std::vector<std::string>{"{1}"});
     drawn_ = false;
     ASSERT_NE(zv::BeginGraph(0, 0), 0);
@@ -162,7 +166,12 @@ TEST_F(AxesTest, TheFirstScalingWinsAndAFixedAxisIsLeftAlone) {
 }
 
 TEST_F(AxesTest, ManualAxesTakeTheGivenStep) {
-  struct Row { int line; double low, high, step; int32_t log; std::vector<double> ticks; };
+  struct Row {
+    int line;
+    double low, high, step;
+    int32_t log;
+    std::vector<double> ticks;
+  };
   const Row kRows[] = {
       {__LINE__, 0, 10, 2, 0, {0, 2, 4, 6, 8, 10}},
       {__LINE__, 0, 10, 3, 0, {0, 3, 6, 9, 12}},  // 3.33 intervals: one more
@@ -189,7 +198,12 @@ TEST_F(AxesTest, PeriodAxesStartAtTheFirstPeriodWithWholeYears) {
   // Quarters 200..230: 200..230 in 6; step (floor((5 - 1)/4) + 1) x 4 = 8,
   // 248 is lowered to 232 while a step less still covers 230.
   // Quarters 200..206: 200..206 in 6; step 4, 224 lowered down to n = 2.
-  struct Row { int line; double low, high; char type; std::vector<double> ticks; };
+  struct Row {
+    int line;
+    double low, high;
+    char type;
+    std::vector<double> ticks;
+  };
   const Row kRows[] = {
       {__LINE__, 605, 650, 'M', {605, 617, 629, 641, 653, 665}},
       {__LINE__, 600, 660, 'M', {600, 612, 624, 636, 648, 660}},
@@ -286,10 +300,12 @@ TEST_F(AxesTest, FrameWordsCountIntervalsAndMarks) {
   // x: decades 1..1000 (3 intervals) with minor ticks: 3 x 9 = 27 marks, less
   // one with a closed frame. y: 0..10 by 2, 5 intervals, 4 inner marks.
   // 3-D: the third axis (2 intervals, 1 mark) rides in the thousands.
-  struct Row { int line; int32_t frameKind, threeD, majorX, intervalsY, majorY; };
-  constexpr Row kRows[] = {{__LINE__, 0, 0, 27, 5, 4},
-                           {__LINE__, 1, 0, 26, 5, 4},
-                           {__LINE__, 0, 1, 26, 2005, 1004}};
+  struct Row {
+    int line;
+    int32_t frameKind, threeD, majorX, intervalsY, majorY;
+  };
+  constexpr Row kRows[] = {
+      {__LINE__, 0, 0, 27, 5, 4}, {__LINE__, 1, 0, 26, 5, 4}, {__LINE__, 0, 1, 26, 2005, 1004}};
   zv::SetAxisManual(1, 1, 1000, 0, 0, 1);
   zv::SetAxisManual(2, 0, 10, 2, 0, 0);
   zv::SetAxisManual(3, 0, 2, 1, 0, 0);
@@ -312,12 +328,16 @@ TEST_F(AxesTest, FrameWordsCountIntervalsAndMarks) {
 
 TEST(PickMinorTicks, TheFirstDivisorOfTheLeadingDigits) {
   // m = step x 10^ceil(log10(1/step)), x 10 below 7; first of 7, 4, 3, 5, 2.
-  struct Row { int line; double step; int32_t minor; };
+  struct Row {
+    int line;
+    double step;
+    int32_t minor;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, 0.2, 4},  {__LINE__, 5, 5},    {__LINE__, 0, 1},
-      {__LINE__, 0.3, 3},  {__LINE__, 0.07, 7}, {__LINE__, 2.5, 5},
-      {__LINE__, 1, 5},    {__LINE__, 0.255, 1},  // m = 25.5 has no divisor
-      {__LINE__, 110, 1},  // m = 11
+      {__LINE__, 0.2, 4}, {__LINE__, 5, 5},     {__LINE__, 0, 1},
+      {__LINE__, 0.3, 3}, {__LINE__, 0.07, 7},  {__LINE__, 2.5, 5},
+      {__LINE__, 1, 5},   {__LINE__, 0.255, 1},  // m = 25.5 has no divisor
+      {__LINE__, 110, 1},                        // m = 11
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
@@ -326,14 +346,26 @@ TEST(PickMinorTicks, TheFirstDivisorOfTheLeadingDigits) {
 }
 
 TEST(FormatAxisNumber, TheTickLabelForms) {
-  struct Row { int line; double value; int32_t width; int32_t leadingZero; const char* text; };
+  struct Row {
+    int line;
+    double value;
+    int32_t width;
+    int32_t leadingZero;
+    const char* text;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, 100, 16, 1, "100"},          {__LINE__, 123456, 16, 1, "123456"},
-      {__LINE__, 12.5, 16, 1, "12.5"},        {__LINE__, -0.5, 16, 1, "-0.5"},
-      {__LINE__, -0.5, 16, 0, "-.5"},         {__LINE__, 0, 16, 1, "0"},
-      {__LINE__, 0, 16, 0, ""},               {__LINE__, 1000000, 16, 1, "1.E6"},
-      {__LINE__, 1234567, 16, 1, "1.23457E6"}, {__LINE__, kMissingValue, 16, 1, ""},
-      {__LINE__, 1234, 3, 1, ""},             {__LINE__, 0.05, 16, 1, "0.05"},
+      {__LINE__, 100, 16, 1, "100"},
+      {__LINE__, 123456, 16, 1, "123456"},
+      {__LINE__, 12.5, 16, 1, "12.5"},
+      {__LINE__, -0.5, 16, 1, "-0.5"},
+      {__LINE__, -0.5, 16, 0, "-.5"},
+      {__LINE__, 0, 16, 1, "0"},
+      {__LINE__, 0, 16, 0, ""},
+      {__LINE__, 1000000, 16, 1, "1.E6"},
+      {__LINE__, 1234567, 16, 1, "1.23457E6"},
+      {__LINE__, kMissingValue, 16, 1, ""},
+      {__LINE__, 1234, 3, 1, ""},
+      {__LINE__, 0.05, 16, 1, "0.05"},
   };
   const int32_t saved = zv::gLeadingZero;
   for (const Row& r : kRows) {

@@ -1,6 +1,8 @@
 // Graph panes: the keep rules of BeginGraph, text items with their encoded
 // places, titles the user moved, the Host's added caption, list B, and what
 // reaches the chart library (read back from its stored copy).
+#include "services/graph_pane.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -9,7 +11,6 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
-#include "services/graph_pane.h"
 #include "services/movable_block.h"
 #include "services/variables.h"
 #include "support/module_fixture.h"
@@ -43,7 +44,8 @@ class GraphPaneTest : public ModuleFixture {
   }
 
   // One graph: BeginGraph, the plot writer's body, EndGraph; the library's copy.
-  const zvchart::StoredGraph& Build(int32_t keep, const std::function<void()>& body = [] {}) {
+  const zvchart::StoredGraph& Build(
+      int32_t keep, const std::function<void()>& body = [] {}) {
     const int32_t id = zv::BeginGraph(keep, 7);
     EXPECT_NE(id, 0);
     body();
@@ -65,10 +67,14 @@ class GraphPaneTest : public ModuleFixture {
 
 TEST_F(GraphPaneTest, PositionsAreStoredAsHundredThousandthsAboveAnOrigin) {
   // value x 100000 + 500000, truncated toward zero.
-  struct Row { int line; double value; int32_t stored; };
+  struct Row {
+    int line;
+    double value;
+    int32_t stored;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, 0.0, 500000},       {__LINE__, -5.0, 0},
-      {__LINE__, 0.5, 550000},       {__LINE__, 1.05, 605000},
+      {__LINE__, 0.0, 500000},         {__LINE__, -5.0, 0},
+      {__LINE__, 0.5, 550000},         {__LINE__, 1.05, 605000},
       {__LINE__, 0.123456789, 512345},  // 12345.6789 + 500000, cut
       {__LINE__, -0.000001, 499999},    // 499999.9, cut
   };
@@ -126,13 +132,19 @@ TEST_F(GraphPaneTest, FirstGraphOfAPaneTakesTheLibraryDefaultsOnlyOnce) {
 }
 
 TEST_F(GraphPaneTest, KeepRulesDecideWhetherAxesAreChosenAnew) {
-  struct Row { int line; int32_t keepScales; bool keepId; int32_t rebuilds; const char* added;
-               bool kept; int32_t rebuildsAfter; };
+  struct Row {
+    int line;
+    int32_t keepScales;
+    bool keepId;
+    int32_t rebuilds;
+    const char* added;
+    bool kept;
+    int32_t rebuildsAfter;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, 0, false, 0, "", false, 0},
-      {__LINE__, 1, false, 0, "", true, 0},
-      {__LINE__, 0, true, 0, "", true, 0},      // the Host names this graph
-      {__LINE__, 0, false, 2, "", true, 1},     // the Host asks for rebuilds
+      {__LINE__, 0, false, 0, "", false, 0},     {__LINE__, 1, false, 0, "", true, 0},
+      {__LINE__, 0, true, 0, "", true, 0},        // the Host names this graph
+      {__LINE__, 0, false, 2, "", true, 1},       // the Host asks for rebuilds
       {__LINE__, 0, false, 0, "Draft", true, 0},  // the added caption keeps the axes
   };
   for (const Row& r : kRows) {
@@ -229,7 +241,12 @@ TEST_F(GraphPaneTest, TitlesStandAboveThePlot) {
   // Flat: main y = 1 + t + 0.1 + 1.5 h = 1.43, subtitle 5 h lower = 0.43.
   // 3-D: y = 1 + t = 1.03; main z = 1.15 + t + 1.5 h = 1.48, subtitle 0.48.
   // Without a subtitle the main title does not move up: y = 1.13.
-  struct Row { int line; int32_t threeD; const char* sub; double mainY, mainZ, subY, subZ; };
+  struct Row {
+    int line;
+    int32_t threeD;
+    const char* sub;
+    double mainY, mainZ, subY, subZ;
+  };
   constexpr Row kRows[] = {{__LINE__, 0, "Sub", 1.43, 0.0, 0.43, 0.0},
                            {__LINE__, 1, "Sub", 1.03, 1.48, 1.03, 0.48},
                            {__LINE__, 0, "", 1.13, 0.0, 0.0, 0.0}};
@@ -255,17 +272,19 @@ TEST_F(GraphPaneTest, TitlesStandAboveThePlot) {
       EXPECT_NEAR(texts[1].z, r.subZ, 2e-5);
     }
     // A rebuild would keep these places; start each row on a fresh pane.
-    for (Handle* h : {&paneRecord->textItems, &paneRecord->textStrings,
-                      &paneRecord->textNumbers}) {
+    for (Handle* h : {&paneRecord->textItems, &paneRecord->textStrings, &paneRecord->textNumbers}) {
       zv::FreeGlobal(h);
     }
   }
 }
 
 TEST_F(GraphPaneTest, ListBIsInterleavedIntoListA) {
-  struct Row { int line; int32_t width; std::vector<double> points; };
-  const Row kRows[] = {{__LINE__, 3, {1, 2, 0, 3, 4, 1}},
-                       {__LINE__, 4, {1, 2, 9, 0, 3, 4, 8, 1}}};
+  struct Row {
+    int line;
+    int32_t width;
+    std::vector<double> points;
+  };
+  const Row kRows[] = {{__LINE__, 3, {1, 2, 0, 3, 4, 1}}, {__LINE__, 4, {1, 2, 9, 0, 3, 4, 8, 1}}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     const auto& g = Build(0, [&] {
