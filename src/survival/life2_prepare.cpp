@@ -188,6 +188,9 @@ int32_t Life2Prepare(int32_t slot, int32_t /*unused*/) {
   const int32_t n = state.rowCount;
   const bool censored = !ExpressionOf(state.bindings[kCensorBinding]).empty();
   Set(state, kHasCensoring, censored ? 1 : 0);
+  // No group is known until the groups are formed; a failure before that
+  // reports none.
+  Set(state, kGroupCount, 0);
 
   struct RowBlock {
     int binding;

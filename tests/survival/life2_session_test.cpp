@@ -61,6 +61,13 @@ TEST_F(Life2Session, DialogSetupBeginAndPanes) {
     EXPECT_EQ(Life2Item(pane.get(), 0, item, paneRecord.get(), 0), 1);
   }
   EXPECT_EQ(WinGetWindowText(pane->window).rfind("Comparison of Groups", 0), 0u);
+
+  // A redo and a stored analysis brought back compute the same again.
+  const double logrank = Get(state, zv::kLogrankChiSquare);
+  EXPECT_EQ(Life2RedoItem1(pane.get(), 0, 0, 0, 0, 0), 1);
+  EXPECT_EQ(Life2BeginAgain(0, &state, view.get(), host.get(), sheet.get(), frame.get(), 0), 1);
+  EXPECT_EQ(state.status, 0);
+  EXPECT_EQ(Get(state, zv::kLogrankChiSquare), logrank);
 }
 
 // The checks of OK: a required time, no character column for the censoring;
