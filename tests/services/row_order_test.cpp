@@ -104,6 +104,12 @@ TEST_F(RowOrder, AllocationFailureShowsTheMemoryMessage) {
   EXPECT_FALSE(LastMessage().empty());
   EXPECT_EQ(state_->orderReady, 0);
   EXPECT_EQ(state_->order, 0u);
+  // The order block comes, its scratch does not: no order is left either.
+  const size_t live = WinLiveBlockCount();
+  WinFailAllocationsAfter(1);
+  EXPECT_EQ(zv::SortOrderNumeric(values.data(), 0, 2, 0), 0);
+  EXPECT_EQ(state_->order, 0u);
+  EXPECT_EQ(WinLiveBlockCount(), live);
 }
 
 TEST_F(RowOrder, CompareCellsPutsBlanksLast) {
