@@ -16,6 +16,8 @@ namespace {
 using detail::kMaxCellLength;
 using detail::kMaxNameLength;
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 struct Field {
   std::string text;
   bool quoted = false;
@@ -36,7 +38,7 @@ bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 // never closed or text after a closing quote.
 bool ReadRecords(std::string_view text, std::vector<Record>* records, std::string* error) {
   size_t at = 0;
-  if (text.substr(0, 3) == "\xEF\xBB\xBF") at = 3;
+  if (text.substr(0, 3) == kByteOrderMark) at = 3;
   int32_t line = 1;
   const size_t n = text.size();
   while (at < n) {
@@ -191,6 +193,8 @@ bool BuildSheet(const std::vector<Record>& records, std::vector<Column>* columns
 
 bool NeedsQuotes(std::string_view text) {
   if (text.find_first_of(",\"\r\n") != std::string_view::npos) return true;
+  // At the start of the file a byte order mark would be skipped on reading.
+  if (text.substr(0, 3) == kByteOrderMark) return true;
   return !text.empty() && (IsBlank(text.front()) || IsBlank(text.back()));
 }
 
