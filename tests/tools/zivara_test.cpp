@@ -132,6 +132,43 @@ TEST_F(ZivaraTest, ExitStatusesAndRefusals) {
   }
 }
 
+TEST_F(ZivaraTest, PaneOptionsAndGraphPictures) {
+  struct Row {
+    int line;
+    std::string settings;
+    int status;
+    std::string inStderr;
+  };
+  // The dot diagram's options on pane 8: radio group 176, class count 141
+  // (2 to 1000, enabled by the second radio button).
+  const Row rows[] = {
+      {__LINE__, "176=1,141=10", 0, ""},
+      {__LINE__, "176=1,141=1", 2, "Zivara Suite: "},
+      {__LINE__, "141=10", 2, "control 141 is disabled"},
+      {__LINE__, "999=1", 2, "there is no control 999"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    Outcome r = Zivara({"run", "DotDiagram", "--sheet", Sheet(), "--var", "1=Weight", "--opts",
+                        "8", row.settings, "--pane", "1"});
+    EXPECT_EQ(r.status, row.status) << r.err;
+    EXPECT_NE(r.err.find(row.inStderr), std::string::npos) << r.err;
+  }
+  // A pane without options: a note, and the analysis stands.
+  Outcome r = Zivara({"run", "DotDiagram", "--sheet", Sheet(), "--var", "1=Weight", "--opts", "1",
+                      "141=3", "--pane", "1"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.err.find("Zivara Suite: "), std::string::npos) << r.err;
+
+  const fs::path graphs = folder_ / "graphs";
+  r = Zivara({"run", "DotDiagram", "--sheet", Sheet(), "--var", "1=Weight", "--pane", "8",
+              "--graphs", graphs.string()});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("Frequency"), std::string::npos) << r.out;
+  EXPECT_EQ(ReadFile(graphs / "item8.svg").rfind("<?xml", 0), 0u);
+  EXPECT_EQ(ReadFile(graphs / "item8.png").substr(1, 3), "PNG");
+}
+
 TEST_F(ZivaraTest, EverySessionFileHolds) {
   int sessions = 0;
   for (const auto& entry : fs::directory_iterator(fs::path(ZV_TEST_DATA_DIR) / "sessions")) {

@@ -294,6 +294,12 @@ void Session::Run(const std::vector<std::string>& w, const std::string& where) {
   } else if (command == "item") {
     need(1, "item N");
     lastResult_ = host_.Item(current_, Number(w[1], "item"));
+  } else if (command == "redraw") {
+    need(1, "redraw N");
+    lastResult_ = host_.RedrawGraph(current_, Number(w[1], "item"));
+  } else if (command == "graph-rebuilds") {
+    need(1, "graph-rebuilds N");
+    host_.record().graphRebuilds = Number(w[1], "graph-rebuilds");
   } else if (command == "paint") {
     host_.ShowStalePanes(current_);
   } else if (command == "opts") {

@@ -363,6 +363,13 @@ int32_t Host::Item(int32_t slot, int32_t item) {
   });
 }
 
+int32_t Host::RedrawGraph(int32_t slot, int32_t item) {
+  Analysis* a = Require(slot, "RedrawGraph");
+  if (a == nullptr) return 0;
+  record_->graphKeepId = EnsurePane(*a, item).record->graphId;
+  return Item(slot, item);
+}
+
 void Host::ShowStalePanes(int32_t slot) {
   Analysis* a = Require(slot, "ShowStalePanes");
   if (a == nullptr) return;

@@ -97,6 +97,9 @@ class Host {
   bool Setup(int32_t slot, bool reopen);
   int32_t Begin(int32_t slot);
   int32_t Item(int32_t slot, int32_t item);
+  // Item for a graph pane whose data did not change (the window was resized,
+  // say): graphKeepId names its graph, so the module keeps its axes.
+  int32_t RedrawGraph(int32_t slot, int32_t item);
   // Item for every pane whose paneStale flag is set, clearing the flags.
   void ShowStalePanes(int32_t slot);
   int32_t Opts(int32_t slot, int32_t item);
