@@ -33,7 +33,8 @@ inline std::string CheckSheetShape() {
       for (double value : column.numbers) {
         if (!std::isfinite(value)) return "a number that is not finite";
       }
-      if (static_cast<int32_t>(column.numbers.size()) != zvgrid::RowCount()) return "a short column";
+      if (static_cast<int32_t>(column.numbers.size()) != zvgrid::RowCount())
+        return "a short column";
     }
   }
   return {};
@@ -51,7 +52,8 @@ inline std::string CheckCsv(std::string_view text) {
   const std::string saved = zvgrid::SaveCsvText();
   if (!zvgrid::LoadCsvText(saved, &error)) return "the saved text does not load: " + error;
   const std::string again = zvgrid::SaveCsvText();
-  if (again != saved) return "the saved text changes when loaded and saved:\n" + saved + "\n---\n" + again;
+  if (again != saved)
+    return "the saved text changes when loaded and saved:\n" + saved + "\n---\n" + again;
   return {};
 }
 
@@ -59,12 +61,13 @@ inline std::string CheckCsv(std::string_view text) {
 // columns.
 inline void LoadExpressionSheet() {
   std::string error;
-  zvgrid::LoadCsvText("x,y,Name,Empty,Short\n"
-                      "1,2.5,ab,,7\n"
-                      "-3,,\"c d\",,\n"
-                      ",1e10,,,\n"
-                      "0,-32768,x,,\n",
-                      &error);
+  zvgrid::LoadCsvText(
+      "x,y,Name,Empty,Short\n"
+      "1,2.5,ab,,7\n"
+      "-3,,\"c d\",,\n"
+      ",1e10,,,\n"
+      "0,-32768,x,,\n",
+      &error);
   GridSetColumnLength(5, 1, 0);
 }
 
@@ -77,7 +80,8 @@ inline std::string CheckFaultMessage(const std::string& text) {
   static const std::string kLead = "Error in the expression at character ";
   if (message.rfind(kLead, 0) == 0) {
     const long position = std::strtol(message.c_str() + kLead.size(), nullptr, 10);
-    if (position < 1 || position > static_cast<long>(text.size()) + 1) return "position: " + message;
+    if (position < 1 || position > static_cast<long>(text.size()) + 1)
+      return "position: " + message;
     return {};
   }
   if (message != "The expression is empty." &&

@@ -32,7 +32,9 @@ std::string LineError(int32_t line, const std::string& what) {
   return "Line " + std::to_string(line) + ": " + what;
 }
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
 
 // Splits the text into records; false and a message for a quote that is
 // never closed or text after a closing quote.
@@ -93,8 +95,8 @@ bool ReadRecords(std::string_view text, std::vector<Record>* records, std::strin
       ++at;
       ++line;
     }
-    const bool blankLine = record.fields.size() == 1 && !record.fields[0].quoted &&
-                           record.fields[0].text.empty();
+    const bool blankLine =
+        record.fields.size() == 1 && !record.fields[0].quoted && record.fields[0].text.empty();
     if (!blankLine) records->push_back(std::move(record));
   }
   return true;

@@ -16,16 +16,45 @@ inline constexpr double kPairMarkX = 1.2345e40;
 inline constexpr double kPairMarkY = 1.2345e41;
 
 enum class Function : uint8_t {
-  kLog, kLog10, kExp, kSqrt, kAbs, kInt, kRound, kMin, kMax,
-  kSin, kCos, kTan, kAtan, kSign, kMod,
+  kLog,
+  kLog10,
+  kExp,
+  kSqrt,
+  kAbs,
+  kInt,
+  kRound,
+  kMin,
+  kMax,
+  kSin,
+  kCos,
+  kTan,
+  kAtan,
+  kSign,
+  kMod,
 };
 
 enum class NodeKind : uint8_t {
-  kNumber, kText, kColumn, kPairX, kPairY,
-  kNegate, kNot,
-  kAdd, kSubtract, kMultiply, kDivide, kPower,
-  kEqual, kNotEqual, kLess, kGreater, kLessEqual, kGreaterEqual,
-  kAnd, kOr, kCall,
+  kNumber,
+  kText,
+  kColumn,
+  kPairX,
+  kPairY,
+  kNegate,
+  kNot,
+  kAdd,
+  kSubtract,
+  kMultiply,
+  kDivide,
+  kPower,
+  kEqual,
+  kNotEqual,
+  kLess,
+  kGreater,
+  kLessEqual,
+  kGreaterEqual,
+  kAnd,
+  kOr,
+  kCall,
 };
 
 struct Node {
@@ -43,8 +72,8 @@ struct Expression {
   std::vector<Node> nodes;
   int32_t root = -1;
   bool text = false;
-  int32_t width = 1;          // characters per row of a text expression
-  int32_t namedColumn = -1;   // the column that the expression merely names
+  int32_t width = 1;         // characters per row of a text expression
+  int32_t namedColumn = -1;  // the column that the expression merely names
   int32_t rows = 0;
 };
 

@@ -11,7 +11,9 @@
 namespace zvgrid::detail {
 namespace {
 
-double Checked(double value) { return std::isfinite(value) ? value : kMissing; }
+double Checked(double value) {
+  return std::isfinite(value) ? value : kMissing;
+}
 
 double Round(double x, double digits) {
   const double places = std::round(digits);
@@ -75,13 +77,26 @@ double Compare(NodeKind kind, bool missingLeft, bool missingRight, int order) {
   }
   bool holds = false;
   switch (kind) {
-    case NodeKind::kEqual: holds = order == 0; break;
-    case NodeKind::kNotEqual: holds = order != 0; break;
-    case NodeKind::kLess: holds = order < 0; break;
-    case NodeKind::kGreater: holds = order > 0; break;
-    case NodeKind::kLessEqual: holds = order <= 0; break;
-    case NodeKind::kGreaterEqual: holds = order >= 0; break;
-    default: break;
+    case NodeKind::kEqual:
+      holds = order == 0;
+      break;
+    case NodeKind::kNotEqual:
+      holds = order != 0;
+      break;
+    case NodeKind::kLess:
+      holds = order < 0;
+      break;
+    case NodeKind::kGreater:
+      holds = order > 0;
+      break;
+    case NodeKind::kLessEqual:
+      holds = order <= 0;
+      break;
+    case NodeKind::kGreaterEqual:
+      holds = order >= 0;
+      break;
+    default:
+      break;
   }
   return holds ? 1.0 : 0.0;
 }
@@ -162,12 +177,18 @@ double NodeNumber(const Expression& e, int32_t index, int32_t row, const double*
   const double y = operand(1);
   if (x == kMissing || y == kMissing) return kMissing;
   switch (node.kind) {
-    case NodeKind::kAdd: return Checked(x + y);
-    case NodeKind::kSubtract: return Checked(x - y);
-    case NodeKind::kMultiply: return Checked(x * y);
-    case NodeKind::kDivide: return y != 0 ? Checked(x / y) : kMissing;
-    case NodeKind::kPower: return Checked(std::pow(x, y));
-    default: return kMissing;
+    case NodeKind::kAdd:
+      return Checked(x + y);
+    case NodeKind::kSubtract:
+      return Checked(x - y);
+    case NodeKind::kMultiply:
+      return Checked(x * y);
+    case NodeKind::kDivide:
+      return y != 0 ? Checked(x / y) : kMissing;
+    case NodeKind::kPower:
+      return Checked(std::pow(x, y));
+    default:
+      return kMissing;
   }
 }
 

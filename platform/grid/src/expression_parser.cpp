@@ -32,15 +32,17 @@ bool NamePart(unsigned char c) {
          c == '.';
 }
 
-std::string Quote(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string Quote(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
 
 // The whole text as tokens; a token that cannot be read ends the list as kBad.
 std::vector<Token> Tokenize(std::string_view text) {
   std::vector<Token> tokens;
   size_t at = 0;
   for (;;) {
-    while (at < text.size() && (text[at] == ' ' || text[at] == '\t' || text[at] == '\r' ||
-                                text[at] == '\n')) {
+    while (at < text.size() &&
+           (text[at] == ' ' || text[at] == '\t' || text[at] == '\r' || text[at] == '\n')) {
       ++at;
     }
     Token token;
@@ -88,10 +90,10 @@ std::vector<Token> Tokenize(std::string_view text) {
       token.kind = Tok::kOperator;
     } else {
       token.kind = Tok::kBad;
-      token.fault = std::isprint(c) ? "the character \"" + std::string(1, static_cast<char>(c)) +
-                                          "\" is not allowed"
-                                    : "the character with code " + std::to_string(c) +
-                                          " is not allowed";
+      token.fault =
+          std::isprint(c)
+              ? "the character \"" + std::string(1, static_cast<char>(c)) + "\" is not allowed"
+              : "the character with code " + std::to_string(c) + " is not allowed";
     }
     token.text = text.substr(at, end - at);
     tokens.push_back(token);
@@ -144,7 +146,10 @@ struct Fault {
 class Parser {
  public:
   Parser(std::string_view text, ExpressionMode mode, Expression* out)
-      : tokens_(Tokenize(text)), mode_(mode), out_(out), length_(static_cast<int32_t>(text.size())) {}
+      : tokens_(Tokenize(text)),
+        mode_(mode),
+        out_(out),
+        length_(static_cast<int32_t>(text.size())) {}
 
   void Run() {
     out_->root = ParseOr();
@@ -257,9 +262,8 @@ class Parser {
 
   int32_t ParseComparison() {
     static constexpr std::pair<std::string_view, NodeKind> kComparisons[] = {
-        {"=", NodeKind::kEqual},     {"<>", NodeKind::kNotEqual},
-        {"<", NodeKind::kLess},      {">", NodeKind::kGreater},
-        {"<=", NodeKind::kLessEqual}, {">=", NodeKind::kGreaterEqual},
+        {"=", NodeKind::kEqual},   {"<>", NodeKind::kNotEqual},  {"<", NodeKind::kLess},
+        {">", NodeKind::kGreater}, {"<=", NodeKind::kLessEqual}, {">=", NodeKind::kGreaterEqual},
     };
     int32_t left = ParseSum();
     for (;;) {
@@ -391,7 +395,8 @@ class Parser {
 
   int32_t ParseName() {
     const Token& name = Take();
-    if (IsNot(name)) throw Fault{"NOT must begin a condition; put it in parentheses", name.position};
+    if (IsNot(name))
+      throw Fault{"NOT must begin a condition; put it in parentheses", name.position};
     if (Peek().kind == Tok::kOpen) return ParseCall(name);
     if (mode_ == ExpressionMode::kPair) {
       throw Fault{Quote(name.text) + " is not a number or a function", name.position};
@@ -486,8 +491,8 @@ bool CompileExpression(std::string_view text, ExpressionMode mode, Expression* e
     expression->rows = Sheet().selectLength > 0 ? Sheet().selectLength : RowCount();
   }
   for (int32_t column : parser.columns()) {
-    expression->rows = std::max(expression->rows,
-                                ColumnLength(Sheet().columns[static_cast<size_t>(column)]));
+    expression->rows =
+        std::max(expression->rows, ColumnLength(Sheet().columns[static_cast<size_t>(column)]));
   }
   return true;
 }

@@ -48,9 +48,7 @@ struct OpenExpression {
   std::vector<double> numbers;
   std::vector<std::string> texts;
   size_t next = 0;
-  int32_t rows() const {
-    return static_cast<int32_t>(text ? texts.size() : numbers.size());
-  }
+  int32_t rows() const { return static_cast<int32_t>(text ? texts.size() : numbers.size()); }
 };
 
 std::optional<OpenExpression>& Open() {
@@ -127,7 +125,9 @@ int32_t GridListColumns(char* buffer) {
   return count;
 }
 
-int32_t GridRowCount() { return zvgrid::RowCount(); }
+int32_t GridRowCount() {
+  return zvgrid::RowCount();
+}
 
 char GridColumnType(int32_t columnIndex) {
   const zvgrid::Column* column = zvgrid::ColumnAt(columnIndex + 1);
@@ -298,7 +298,9 @@ void GridClearColumn(int32_t column) {
   if (zvgrid::Column* target = zvgrid::ColumnAt(column)) zvgrid::detail::ResizeColumn(target, 0);
 }
 
-void GridSetSelectLength(int32_t rows) { Sheet().selectLength = std::clamp(rows, 0, zvgrid::kMaxRows); }
+void GridSetSelectLength(int32_t rows) {
+  Sheet().selectLength = std::clamp(rows, 0, zvgrid::kMaxRows);
+}
 
 void GridSetColumnLength(int32_t column, int32_t rows, int32_t zero) {
   (void)zero;
@@ -330,4 +332,6 @@ int32_t GridEvaluateFormula(const double* pair, double* result, int32_t zero, in
   return 1;
 }
 
-void GridReleaseFormula() { zvgrid::Formula().reset(); }
+void GridReleaseFormula() {
+  zvgrid::Formula().reset();
+}

@@ -9,7 +9,9 @@
 namespace zvgrid::detail {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 size_t SkipDigits(std::string_view text, size_t at) {
   while (at < text.size() && IsDigit(text[at])) ++at;
@@ -65,7 +67,8 @@ bool NumberValue(std::string_view digits, double* value) {
     size_t e = at + 1;
     const bool negative = e < digits.size() && digits[e] == '-';
     if (e < digits.size() && (digits[e] == '+' || digits[e] == '-')) ++e;
-    for (; e < digits.size() && exponent < 100000; ++e) exponent = exponent * 10 + (digits[e] - '0');
+    for (; e < digits.size() && exponent < 100000; ++e)
+      exponent = exponent * 10 + (digits[e] - '0');
     if (negative) exponent = -exponent;
   }
   if (lead + exponent > 0) return false;

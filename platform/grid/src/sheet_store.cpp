@@ -125,7 +125,9 @@ void ClearSheet() {
   sheet.selectLength = 0;
 }
 
-const std::vector<Column>& Columns() { return detail::Sheet().columns; }
+const std::vector<Column>& Columns() {
+  return detail::Sheet().columns;
+}
 
 int32_t RowCount() {
   int32_t rows = 0;
@@ -169,8 +171,14 @@ void DeleteColumn(std::string_view name) {
   }
 }
 
-const std::vector<SentCommand>& SentCommands() { return detail::Sheet().commands; }
-void ClearSentCommands() { detail::Sheet().commands.clear(); }
-int32_t AccessLevel() { return detail::Sheet().accessLevel; }
+const std::vector<SentCommand>& SentCommands() {
+  return detail::Sheet().commands;
+}
+void ClearSentCommands() {
+  detail::Sheet().commands.clear();
+}
+int32_t AccessLevel() {
+  return detail::Sheet().accessLevel;
+}
 
 }  // namespace zvgrid

@@ -50,7 +50,10 @@ TEST_F(CsvTest, ReadsQuotesLineEndsAndBlanks) {
       {__LINE__, "A,B\r\n1,x\r\n2,y\r\n", {"x", "y"}},
       {__LINE__, "A,B\n1,x\n2,y", {"x", "y"}},
       {__LINE__, "A,B\r1,x\r2,y\r", {"x", "y"}},
-      {__LINE__, "\xEF\xBB\xBF" "A,B\n1,x\n2,y\n", {"x", "y"}},
+      {__LINE__,
+       "\xEF\xBB\xBF"
+       "A,B\n1,x\n2,y\n",
+       {"x", "y"}},
       {__LINE__, "A,B\n1,\"x,\"\"q\"\"\"\n2,\"two\r\nlines\"\n", {"x,\"q\"", "two\r\nlines"}},
       {__LINE__, "A,B\n1,  x y  \n2,\" padded \"  \n", {"x y", " padded "}},
       {__LINE__, "A,B\n\n1,x\n   \n2,y\n\n\n", {"x", "y"}},
@@ -80,14 +83,12 @@ TEST_F(CsvTest, NumbersFollowOneGrammar) {
     double value;  // kMissing: the cell is not a number
   };
   const Row rows[] = {
-      {__LINE__, "12", 12.0},         {__LINE__, "+1.5", 1.5},
-      {__LINE__, "-.25", -0.25},      {__LINE__, "3.", 3.0},
-      {__LINE__, "1E-2", 0.01},       {__LINE__, "2e+3", 2000.0},
-      {__LINE__, "1e-400", 0.0},      {__LINE__, "1e400", kMissing},
-      {__LINE__, "inf", kMissing},    {__LINE__, "nan", kMissing},
-      {__LINE__, "0x10", kMissing},   {__LINE__, "1e", kMissing},
-      {__LINE__, "1 2", kMissing},    {__LINE__, ".", kMissing},
-      {__LINE__, "--1", kMissing},    {__LINE__, "1.2.3", kMissing},
+      {__LINE__, "12", 12.0},        {__LINE__, "+1.5", 1.5},       {__LINE__, "-.25", -0.25},
+      {__LINE__, "3.", 3.0},         {__LINE__, "1E-2", 0.01},      {__LINE__, "2e+3", 2000.0},
+      {__LINE__, "1e-400", 0.0},     {__LINE__, "1e400", kMissing}, {__LINE__, "inf", kMissing},
+      {__LINE__, "nan", kMissing},   {__LINE__, "0x10", kMissing},  {__LINE__, "1e", kMissing},
+      {__LINE__, "1 2", kMissing},   {__LINE__, ".", kMissing},     {__LINE__, "--1", kMissing},
+      {__LINE__, "1.2.3", kMissing},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.line);
@@ -115,7 +116,8 @@ TEST_F(CsvTest, RefusesMalformedInputNamingTheLine) {
       {__LINE__, "\n\nA,,B\n", "Line 3: column 2 has no name."},
       {__LINE__, "A, \"\" \n", "Line 1: column 2 has no name."},
       {__LINE__, wide + "\n", "Line 1: the name \"" + wide + "\" is longer than 32 characters."},
-      {__LINE__, manyColumns + "\n", "Line 1: the header names 257 columns; a sheet holds at most 256."},
+      {__LINE__, manyColumns + "\n",
+       "Line 1: the header names 257 columns; a sheet holds at most 256."},
       {__LINE__, "A,B\n1,2\n3,4,5\n", "Line 3: 3 fields, but the header names 2 columns."},
       {__LINE__, "A\n1\n\"two\nlines\n", "Line 3: a quoted field is not closed."},
       {__LINE__, "A\n\"x\"y\n", "Line 2: text follows the closing quote of a field."},

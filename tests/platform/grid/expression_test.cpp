@@ -37,19 +37,15 @@ void ExpectValues(const ValueRow* begin, const ValueRow* end) {
 TEST_F(ExpressionTest, BindsOperatorsByPrecedence) {
   Load("A\n1\n");
   const ValueRow rows[] = {
-      {__LINE__, "2 + 3 * 4", 14},       {__LINE__, "(2 + 3) * 4", 20},
-      {__LINE__, "10 - 4 - 3", 3},       {__LINE__, "12 / 3 / 2", 2},
-      {__LINE__, "2 ^ 3 ^ 2", 512},      {__LINE__, "-2 ^ 2", -4},
-      {__LINE__, "2 ^ -1", 0.5},         {__LINE__, "2 * -3", -6},
-      {__LINE__, "--3", 3},              {__LINE__, "+3", 3},
-      {__LINE__, "1.5e1 + .5", 15.5},    {__LINE__, "2E+2", 200},
-      {__LINE__, "1 + 2 = 3", 1},        {__LINE__, "1 < 2 = 1", 1},
-      {__LINE__, "3 <> 4", 1},           {__LINE__, "3 <= 3", 1},
-      {__LINE__, "3 >= 4", 0},           {__LINE__, "-3 < -2", 1},
-      {__LINE__, "NOT 1 = 2", 1},        {__LINE__, "NOT NOT 5", 1},
-      {__LINE__, "NOT 0 & 0", 0},        {__LINE__, "1 | 1 & 0", 1},
-      {__LINE__, "1 = 1 & 2 = 3", 0},    {__LINE__, "2 > 1 | 1 > 2", 1},
-      {__LINE__, "not(0)", 1},           {__LINE__, "A * 2 ^ 2 + 1", 5},
+      {__LINE__, "2 + 3 * 4", 14}, {__LINE__, "(2 + 3) * 4", 20},  {__LINE__, "10 - 4 - 3", 3},
+      {__LINE__, "12 / 3 / 2", 2}, {__LINE__, "2 ^ 3 ^ 2", 512},   {__LINE__, "-2 ^ 2", -4},
+      {__LINE__, "2 ^ -1", 0.5},   {__LINE__, "2 * -3", -6},       {__LINE__, "--3", 3},
+      {__LINE__, "+3", 3},         {__LINE__, "1.5e1 + .5", 15.5}, {__LINE__, "2E+2", 200},
+      {__LINE__, "1 + 2 = 3", 1},  {__LINE__, "1 < 2 = 1", 1},     {__LINE__, "3 <> 4", 1},
+      {__LINE__, "3 <= 3", 1},     {__LINE__, "3 >= 4", 0},        {__LINE__, "-3 < -2", 1},
+      {__LINE__, "NOT 1 = 2", 1},  {__LINE__, "NOT NOT 5", 1},     {__LINE__, "NOT 0 & 0", 0},
+      {__LINE__, "1 | 1 & 0", 1},  {__LINE__, "1 = 1 & 2 = 3", 0}, {__LINE__, "2 > 1 | 1 > 2", 1},
+      {__LINE__, "not(0)", 1},     {__LINE__, "A * 2 ^ 2 + 1", 5},
   };
   ExpectValues(std::begin(rows), std::end(rows));
 }
@@ -57,20 +53,34 @@ TEST_F(ExpressionTest, BindsOperatorsByPrecedence) {
 TEST_F(ExpressionTest, ComputesItsFunctions) {
   Load("A\n1\n");
   const ValueRow rows[] = {
-      {__LINE__, "LOG(EXP(2))", 2},        {__LINE__, "log(1)", 0},
-      {__LINE__, "LOG10(1000)", 3},        {__LINE__, "EXP(0)", 1},
-      {__LINE__, "Sqrt(16)", 4},           {__LINE__, "ABS(-2.5)", 2.5},
-      {__LINE__, "INT(2.7)", 2},           {__LINE__, "INT(-2.5)", -3},
-      {__LINE__, "ROUND(2.5)", 3},         {__LINE__, "ROUND(-2.5)", -3},
-      {__LINE__, "ROUND(1.2345, 2)", 1.23}, {__LINE__, "ROUND(0.125, 2)", 0.13},
-      {__LINE__, "ROUND(1250, -2)", 1300}, {__LINE__, "ROUND(5.5, 30)", 5.5},
-      {__LINE__, "ROUND(1.26, 0.6)", 1.3}, {__LINE__, "MIN(3, 1, 2)", 1},
-      {__LINE__, "MAX(3)", 3},             {__LINE__, "MAX(1, 5, 2, 4)", 5},
-      {__LINE__, "SIN(0)", 0},             {__LINE__, "COS(0)", 1},
-      {__LINE__, "TAN(0)", 0},             {__LINE__, "ATAN(1) * 4", 3.141592653589793},
-      {__LINE__, "SIGN(-4)", -1},          {__LINE__, "SIGN(0)", 0},
-      {__LINE__, "MOD(7, 3)", 1},          {__LINE__, "MOD(-7, 3)", 2},
-      {__LINE__, "MOD(7, -3)", -2},        {__LINE__, "MAX(MIN(4, 9), 2) + A", 5},
+      {__LINE__, "LOG(EXP(2))", 2},
+      {__LINE__, "log(1)", 0},
+      {__LINE__, "LOG10(1000)", 3},
+      {__LINE__, "EXP(0)", 1},
+      {__LINE__, "Sqrt(16)", 4},
+      {__LINE__, "ABS(-2.5)", 2.5},
+      {__LINE__, "INT(2.7)", 2},
+      {__LINE__, "INT(-2.5)", -3},
+      {__LINE__, "ROUND(2.5)", 3},
+      {__LINE__, "ROUND(-2.5)", -3},
+      {__LINE__, "ROUND(1.2345, 2)", 1.23},
+      {__LINE__, "ROUND(0.125, 2)", 0.13},
+      {__LINE__, "ROUND(1250, -2)", 1300},
+      {__LINE__, "ROUND(5.5, 30)", 5.5},
+      {__LINE__, "ROUND(1.26, 0.6)", 1.3},
+      {__LINE__, "MIN(3, 1, 2)", 1},
+      {__LINE__, "MAX(3)", 3},
+      {__LINE__, "MAX(1, 5, 2, 4)", 5},
+      {__LINE__, "SIN(0)", 0},
+      {__LINE__, "COS(0)", 1},
+      {__LINE__, "TAN(0)", 0},
+      {__LINE__, "ATAN(1) * 4", 3.141592653589793},
+      {__LINE__, "SIGN(-4)", -1},
+      {__LINE__, "SIGN(0)", 0},
+      {__LINE__, "MOD(7, 3)", 1},
+      {__LINE__, "MOD(-7, 3)", 2},
+      {__LINE__, "MOD(7, -3)", -2},
+      {__LINE__, "MAX(MIN(4, 9), 2) + A", 5},
   };
   ExpectValues(std::begin(rows), std::end(rows));
 }
@@ -80,23 +90,40 @@ TEST_F(ExpressionTest, ComputesItsFunctions) {
 TEST_F(ExpressionTest, PropagatesMissingValues) {
   Load("v,m\n4,\n");
   const ValueRow rows[] = {
-      {__LINE__, "m + 1", kMissing},       {__LINE__, "1 - m", kMissing},
-      {__LINE__, "m * 0", kMissing},       {__LINE__, "0 / m", kMissing},
-      {__LINE__, "m ^ 0", kMissing},       {__LINE__, "-m", kMissing},
-      {__LINE__, "LOG(m)", kMissing},      {__LINE__, "MIN(1, m)", kMissing},
-      {__LINE__, "ROUND(1, m)", kMissing}, {__LINE__, "1 / 0", kMissing},
-      {__LINE__, "v / (v - 4)", kMissing}, {__LINE__, "0 ^ -1", kMissing},
-      {__LINE__, "(-8) ^ (1/3)", kMissing}, {__LINE__, "1e308 * 10", kMissing},
-      {__LINE__, "LOG(-1)", kMissing},     {__LINE__, "LOG(0)", kMissing},
-      {__LINE__, "SQRT(-1)", kMissing},    {__LINE__, "EXP(1000)", kMissing},
-      {__LINE__, "MOD(1, 0)", kMissing},   {__LINE__, "-32768 + 1", kMissing},
-      {__LINE__, "m = m", 1},              {__LINE__, "m = 1", 0},
-      {__LINE__, "m <> 1", 1},             {__LINE__, "m <> m", 0},
-      {__LINE__, "m < 1", 0},              {__LINE__, "m > 1", 0},
-      {__LINE__, "m >= m", 0},             {__LINE__, "m = -32768", 1},
-      {__LINE__, "NOT m", kMissing},       {__LINE__, "m & 0", 0},
-      {__LINE__, "m & 1", kMissing},       {__LINE__, "m | 1", 1},
-      {__LINE__, "m | 0", kMissing},       {__LINE__, "v > 3 & m = m", 1},
+      {__LINE__, "m + 1", kMissing},
+      {__LINE__, "1 - m", kMissing},
+      {__LINE__, "m * 0", kMissing},
+      {__LINE__, "0 / m", kMissing},
+      {__LINE__, "m ^ 0", kMissing},
+      {__LINE__, "-m", kMissing},
+      {__LINE__, "LOG(m)", kMissing},
+      {__LINE__, "MIN(1, m)", kMissing},
+      {__LINE__, "ROUND(1, m)", kMissing},
+      {__LINE__, "1 / 0", kMissing},
+      {__LINE__, "v / (v - 4)", kMissing},
+      {__LINE__, "0 ^ -1", kMissing},
+      {__LINE__, "(-8) ^ (1/3)", kMissing},
+      {__LINE__, "1e308 * 10", kMissing},
+      {__LINE__, "LOG(-1)", kMissing},
+      {__LINE__, "LOG(0)", kMissing},
+      {__LINE__, "SQRT(-1)", kMissing},
+      {__LINE__, "EXP(1000)", kMissing},
+      {__LINE__, "MOD(1, 0)", kMissing},
+      {__LINE__, "-32768 + 1", kMissing},
+      {__LINE__, "m = m", 1},
+      {__LINE__, "m = 1", 0},
+      {__LINE__, "m <> 1", 1},
+      {__LINE__, "m <> m", 0},
+      {__LINE__, "m < 1", 0},
+      {__LINE__, "m > 1", 0},
+      {__LINE__, "m >= m", 0},
+      {__LINE__, "m = -32768", 1},
+      {__LINE__, "NOT m", kMissing},
+      {__LINE__, "m & 0", 0},
+      {__LINE__, "m & 1", kMissing},
+      {__LINE__, "m | 1", 1},
+      {__LINE__, "m | 0", kMissing},
+      {__LINE__, "v > 3 & m = m", 1},
   };
   ExpectValues(std::begin(rows), std::end(rows));
 }
@@ -117,7 +144,7 @@ TEST_F(ExpressionTest, ComparesTrimmedTexts) {
       {__LINE__, "Code < 'z'", {1, 0}},
       {__LINE__, "Code <> ' '", {1, 0}},
       {__LINE__, "'a' < 'b'", {1, 1}},
-      {__LINE__, "'n' * 2", {2, 4}},       // quotes name a column where one exists
+      {__LINE__, "'n' * 2", {2, 4}},  // quotes name a column where one exists
       {__LINE__, "\"NAME\" = \"Bob\"", {0, 1}},
       {__LINE__, "(Name = 'Bob') + n", {1, 3}},
   };
@@ -205,7 +232,8 @@ TEST_F(ExpressionTest, LimitsNesting) {
            std::string(static_cast<size_t>(depth), ')');
   };
   EXPECT_EQ(Numbers(nested(32)), (std::vector<double>{1}));
-  const std::string deep = "Error in the expression at character 33: the expression is nested too deeply.";
+  const std::string deep =
+      "Error in the expression at character 33: the expression is nested too deeply.";
   const std::string texts[] = {nested(33), std::string(127, '('), std::string(40, '-') + "1",
                                std::string(40, '+') + "1", "NOT " + std::string(32, '(') + "NOT 1"};
   for (const std::string& text : texts) {

@@ -80,8 +80,8 @@ TEST_F(GridOperationsTest, WritesCellsFromTheirText) {
     double value;
   };
   const Row rows[] = {
-      {__LINE__, "12.5", 12.5},   {__LINE__, "    -3", -3.0},  {__LINE__, "1,25", 1.25},
-      {__LINE__, ".5", 0.5},      {__LINE__, "", kMissing},    {__LINE__, "abc", kMissing},
+      {__LINE__, "12.5", 12.5},   {__LINE__, "    -3", -3.0},    {__LINE__, "1,25", 1.25},
+      {__LINE__, ".5", 0.5},      {__LINE__, "", kMissing},      {__LINE__, "abc", kMissing},
       {__LINE__, "1e3 ", 1000.0}, {__LINE__, "1,2,3", kMissing},
   };
   for (const Row& row : rows) {
@@ -92,7 +92,8 @@ TEST_F(GridOperationsTest, WritesCellsFromTheirText) {
   // Writing past the end lengthens the column, padding with missing cells.
   GridPutCell(1, 6, "9");
   EXPECT_EQ(GridRowCount(), 6);
-  EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{60, kMissing, kMissing, kMissing, kMissing, 9}));
+  EXPECT_EQ(Columns()[0].numbers,
+            (std::vector<double>{60, kMissing, kMissing, kMissing, kMissing, 9}));
   // A character cell loses its padding and widens the column when longer.
   GridPutCell(2, 1, "longer   ");
   EXPECT_EQ(CellText(2, 1), "longer");
@@ -211,9 +212,9 @@ TEST_F(GridOperationsTest, NamesAColumnOnlyWhenTheExpressionIsJustIt) {
     int32_t named;
   };
   const Row rows[] = {
-      {__LINE__, "Weight", 0},       {__LINE__, "((weight))", 0}, {__LINE__, "'Group'", 1},
+      {__LINE__, "Weight", 0},          {__LINE__, "((weight))", 0},  {__LINE__, "'Group'", 1},
       {__LINE__, " ( \"SHORT\" ) ", 2}, {__LINE__, "Weight + 0", -1}, {__LINE__, "-Weight", -1},
-      {__LINE__, "'Weight' * 1", -1}, {__LINE__, "3", -1},          {__LINE__, "'text'", -1},
+      {__LINE__, "'Weight' * 1", -1},   {__LINE__, "3", -1},          {__LINE__, "'text'", -1},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.line);
@@ -305,7 +306,8 @@ TEST_F(GridOperationsTest, ChecksAndTriesFormulas) {
   EXPECT_EQ(GridCheckFormula("LOG(x) * 2"), 1);
   EXPECT_TRUE(WinMessageBoxLog().empty());
   EXPECT_EQ(GridCheckFormula("LOG(x"), 0);
-  EXPECT_EQ(OnlyMessage(), "Error in the expression at character 4: this parenthesis is not closed.");
+  EXPECT_EQ(OnlyMessage(),
+            "Error in the expression at character 4: this parenthesis is not closed.");
 
   WinClearMessageBoxLog();
   EXPECT_EQ(GridTryFormula("x / 2"), 1);
@@ -320,7 +322,8 @@ TEST_F(GridOperationsTest, ChecksAndTriesFormulas) {
   EXPECT_NE(OnlyMessage().find("Row 2: \"b\"\n"), std::string::npos);
   WinClearMessageBoxLog();
   EXPECT_EQ(GridTryFormula("x +"), 0);
-  EXPECT_EQ(OnlyMessage(), "Error in the expression at character 4: a value is missing at the end.");
+  EXPECT_EQ(OnlyMessage(),
+            "Error in the expression at character 4: a value is missing at the end.");
 }
 
 TEST_F(GridOperationsTest, HostEvaluationGivesAColumnOrAMessage) {
@@ -335,7 +338,9 @@ TEST_F(GridOperationsTest, HostEvaluationGivesAColumnOrAMessage) {
   EXPECT_EQ(result.width, 2);
   EXPECT_EQ(result.texts, (std::vector<std::string>{"ab", "c", ""}));
   EXPECT_FALSE(zvgrid::EvaluateExpression("Group + 1", &result, &error));
-  EXPECT_EQ(error, "Error in the expression at character 1: the column \"Group\" holds text, not numbers.");
+  EXPECT_EQ(
+      error,
+      "Error in the expression at character 1: the column \"Group\" holds text, not numbers.");
   EXPECT_TRUE(WinMessageBoxLog().empty());
 }
 

@@ -14,8 +14,8 @@ inline constexpr int32_t kMaxRows = 1 << 20;  // rows beyond are refused or igno
 
 struct Column {
   std::string name;
-  char type = 'N';  // 'N' numeric, 'C' character
-  int32_t width = 1;  // characters per cell of a 'C' column
+  char type = 'N';                 // 'N' numeric, 'C' character
+  int32_t width = 1;               // characters per cell of a 'C' column
   std::vector<double> numbers;     // numeric cells; kMissing where empty
   std::vector<std::string> texts;  // character cells
 };
