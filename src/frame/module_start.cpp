@@ -15,14 +15,16 @@ namespace {
 
 // The application object: named "zvkeel4.dll" at load, renamed from string
 // 57344 at start; it serves message pre-translation, idle time and the wait
-// cursor.
+// cursor. The name is a plain pointer so that the object needs no dynamic
+// initialisation: start-up runs from the library's load hook, which may come
+// before this file's constructors.
 struct ModuleApplication {
-  std::string name = "zvkeel4.dll";
+  const char* name = "zvkeel4.dll";
   int32_t PreTranslateMessage(const WinMsg* message) { return WinAppPreTranslateMessage(message); }
   int32_t OnIdle(int32_t count) { return WinAppOnIdle(count); }
 };
 
-ModuleApplication gApp;
+constinit ModuleApplication gApp;
 
 }  // namespace
 

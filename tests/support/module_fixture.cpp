@@ -74,11 +74,22 @@ void ModuleFixture::TearDown() {
   WinSetDialogDriver(nullptr);
   EXPECT_EQ(WinLockedBlockCount(), 0u) << "a block stayed locked";
   EXPECT_TRUE(WinMissingStrings().empty()) << "the string table lacks a number the code used";
+  // Frees what the Host owns: the bindings' blocks and expression texts,
+  // the row order and the graph pane record's blocks.
   for (auto& state : states) {
     for (auto& binding : state->bindings) {
       if (binding.data) WinGlobalFree(binding.data);
+      if (binding.expression) WinTextFree(binding.expression);
+      binding.data = 0;
+      binding.expression = 0;
     }
     if (state->order) WinGlobalFree(state->order);
+    state->order = 0;
+  }
+  for (Handle* block : {&paneRecord->textItems, &paneRecord->textStrings, &paneRecord->textNumbers,
+                        &paneRecord->titleLines, &paneRecord->titleLengths}) {
+    if (*block) WinGlobalFree(*block);
+    *block = 0;
   }
   for (auto*& s : zv::gStates) s = nullptr;
 }
@@ -101,7 +112,9 @@ zv::ProcedureState& ModuleFixture::NewState(int32_t slot) {
 }
 
 void ModuleFixture::SetExpression(zv::ProcedureState& state, int binding, std::string_view text) {
-  state.bindings[binding].expression = WinTextCreate(text);
+  Handle& expression = state.bindings[binding].expression;
+  if (expression) WinTextFree(expression);
+  expression = WinTextCreate(text);
 }
 
 void ModuleFixture::StoreEntryList(zv::ProcedureState& state, const char* entryList,

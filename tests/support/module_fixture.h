@@ -26,7 +26,8 @@ class ModuleFixture : public ::testing::Test {
   // A zeroed ProcedureState bound to `slot` as Setup would leave it for a
   // family: gStates[slot], rowCount from the sheet.
   zv::ProcedureState& NewState(int32_t slot = 0);
-  // Stores a counted text in a binding's expression, as the Host does.
+  // Stores a counted text in a binding's expression, replacing any, as the
+  // Host does.
   void SetExpression(zv::ProcedureState& state, int binding, std::string_view text);
   // Stores the entry list that Setup wrote into the bindings, as the Host does.
   void StoreEntryList(zv::ProcedureState& state, const char* entryList, bool hasSelect);

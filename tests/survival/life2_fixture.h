@@ -15,10 +15,6 @@ namespace zvtest {
 
 class Life2Fixture : public ModuleFixture {
  protected:
-  // Also frees what the Host would: the expression texts and the blocks of
-  // the graph pane record.
-  void TearDown() override;
-
   // Loads the sheet, binds Slot 0 with the option defaults and the
   // expressions, loads the variables as Begin does and runs Life2Prepare.
   zv::ProcedureState& Run(std::string_view csv, std::string_view time, std::string_view censor = {},

@@ -33,21 +33,6 @@ zv::ProcedureState& Life2Fixture::Run(std::string_view csv, std::string_view tim
   return state;
 }
 
-void Life2Fixture::TearDown() {
-  for (auto& state : states) {
-    for (zv::VariableBinding& binding : state->bindings) {
-      if (binding.expression != 0) WinTextFree(binding.expression);
-      binding.expression = 0;
-    }
-  }
-  for (Handle* block : {&paneRecord->textItems, &paneRecord->textStrings, &paneRecord->textNumbers,
-                        &paneRecord->titleLines, &paneRecord->titleLengths}) {
-    WinGlobalFree(*block);
-    *block = 0;
-  }
-  ModuleFixture::TearDown();
-}
-
 void Life2Fixture::ExpectGolden(const std::string& text, const std::string& name) const {
   const std::string path = std::string(ZV_TEST_DATA_DIR) + "/survival/" + name;
   std::ifstream file(path, std::ios::binary);
