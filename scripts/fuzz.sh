@@ -13,6 +13,14 @@ targets=("$@")
 [ ${#targets[@]} -eq 0 ] && targets=(csv_fuzz expression_fuzz)
 build="${ZV_FUZZ_BUILD:-$root/build-fuzz}"
 
+# libFuzzer comes with clang's runtime libraries.
+for p in clang libclang-rt-14-dev; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || {
+    SUDO=""; [ "$(id -u)" -ne 0 ] && SUDO="sudo"
+    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "$p" >/dev/null
+  }
+done
+
 cmake -S "$root/fuzz" -B "$build" -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 cmake --build "$build" --target "${targets[@]}" -j2
 
