@@ -64,7 +64,7 @@ bool ParseSettings(std::string_view text, std::vector<ControlSetting>* settings,
     std::optional<int32_t> control =
         eq == std::string_view::npos ? std::nullopt : ParseNumber(part.substr(0, eq));
     if (!control) {
-      if (error) *error = "\"" + std::string(part) + "\" is not CONTROL=VALUE";
+      if (error) *error = std::string(1, '"').append(part).append("\" is not CONTROL=VALUE");
       return false;
     }
     settings->push_back({*control, std::string(part.substr(eq + 1))});

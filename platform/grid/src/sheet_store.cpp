@@ -93,7 +93,7 @@ std::string UniqueColumnName(std::string_view name, int32_t except) {
   };
   if (!taken(base)) return base;
   for (int32_t n = 2;; ++n) {
-    const std::string suffix = "." + std::to_string(n);
+    const std::string suffix = std::string(1, '.').append(std::to_string(n));
     const std::string candidate =
         base.substr(0, static_cast<size_t>(kMaxNameLength) - suffix.size()) + suffix;
     if (!taken(candidate)) return candidate;
