@@ -4,7 +4,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -12,9 +11,9 @@
 #include <vector>
 
 #include "frame/exports.h"
+#include "frame/families.h"
 #include "frame/host_records.h"
-#include "frame/module_start.h"
-#include "frame/module_state.h"
+#include "support/bench_host.h"
 #include "survival/group_tests.h"
 #include "survival/life2.h"
 #include "survival/product_limit.h"
@@ -22,20 +21,6 @@
 #include "zvgrid/zvgrid.h"
 
 namespace {
-
-void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {}
-void Wait(zv::HostHelpRecord*, int32_t) {}
-void Modified(zv::HostRecord*, int32_t) {}
-zv::ProcedureStateVtbl gStateVtbl{Refresh};
-zv::HostHelpRecordVtbl gHelpVtbl{Wait};
-zv::HostRecordVtbl gHostVtbl{Modified};
-
-template <class T>
-std::unique_ptr<T> Zeroed() {
-  auto object = std::make_unique<T>();
-  std::memset(static_cast<void*>(object.get()), 0, sizeof(T));
-  return object;
-}
 
 // Remission-like times: three arms with exponential times of means 20, 30
 // and 45, kept to two decimals (so there are ties), about a third withdrawn.
@@ -58,54 +43,14 @@ void LoadTrialSheet(int32_t n) {
   zvgrid::AddTextColumn("Arm", std::move(arm));
 }
 
-// The Host's side of one analysis in Slot 0.
+// A Life2 analysis of Time, Censored and Arm on n rows.
 struct Analysis {
   explicit Analysis(int32_t n) {
-    static bool started = false;
-    if (!started) {
-      zv::ModuleStart();
-      started = true;
-    }
     LoadTrialSheet(n);
-    help = Zeroed<zv::HostHelpRecord>();
-    help->vtable = WinRegister(&gHelpVtbl);
-    advice.assign(zv::kAdviceBufferSize, '\0');
-    IsKeel4Loaded(help.get(), advice.data(), 0);
-    host = Zeroed<zv::HostRecord>();
-    host->vtable = WinRegister(&gHostVtbl);
-    host->nextGraphId = 1;
-    host->graphKeepId = -1;
-    host->rowCount = GridRowCount();
-    zv::gHost = host.get();
-    view = Zeroed<zv::HostView>();
-    pane = Zeroed<zv::PaneWindow>();
-    pane->window = WinCreateWindow("pane");
-    record = Zeroed<zv::PaneRecord>();
-    state = Zeroed<zv::ProcedureState>();
-    state->vtable = WinRegister(&gStateVtbl);
-    state->rowCount = host->rowCount;
-    state->procedureCode = 5764;
-    state->firstListCount = 3;
-    zv::gStates[0] = state.get();
-    zv::gViews[0] = view.get();
-    zv::Life2WriteDefaults(*state);
-    const char* const kTexts[] = {"Time", "Censored", "Arm"};
-    for (int b = 0; b < 3; ++b) state->bindings[b].expression = WinTextCreate(kTexts[b]);
-    state->bindings[zv::kSelectBinding].expression = WinTextCreate("");
+    host = std::make_unique<zvbench::BenchHost>(
+        zv::kLife2Family, std::initializer_list<const char*>{"Time", "Censored", "Arm"});
   }
-  ~Analysis() {
-    for (zv::VariableBinding& binding : state->bindings) WinGlobalFree(binding.data);
-    WinGlobalFree(state->order);
-    zv::gStates[0] = nullptr;
-  }
-
-  std::unique_ptr<zv::HostHelpRecord> help;
-  std::unique_ptr<zv::HostRecord> host;
-  std::unique_ptr<zv::HostView> view;
-  std::unique_ptr<zv::PaneWindow> pane;
-  std::unique_ptr<zv::PaneRecord> record;
-  std::unique_ptr<zv::ProcedureState> state;
-  std::vector<char> advice;
+  std::unique_ptr<zvbench::BenchHost> host;
 };
 
 // Begin plus the six panes, as the Host calls them for a new analysis.
@@ -114,9 +59,9 @@ void BM_Life2BeginAndPanes(benchmark::State& bench) {
   for (auto _ : bench) {
     Life2Begin(0, 0, 0);
     for (int32_t item : {1, 2, 3, 8, 9, 10}) {
-      Life2Item(analysis.pane.get(), 0, item, analysis.record.get(), 0);
+      Life2Item(analysis.host->pane.get(), 0, item, analysis.host->record.get(), 0);
     }
-    if (analysis.state->status != 0) bench.SkipWithError("the analysis failed");
+    if (analysis.host->state->status != 0) bench.SkipWithError("the analysis failed");
   }
   bench.SetItemsProcessed(bench.iterations() * bench.range(0));
 }
