@@ -192,17 +192,6 @@ TEST_F(GridOperationsTest, AddsColumnsWithUsableNames) {
   EXPECT_EQ(Columns().size(), 256u);
 }
 
-TEST_F(GridOperationsTest, RecordsCommandsAndDoesNothingElse) {
-  Load(kSheet);
-  const std::string before = zvgrid::SaveCsvText();
-  GridSendCommand(77, 273, 20, 0);
-  ASSERT_EQ(zvgrid::SentCommands().size(), 1u);
-  EXPECT_EQ(zvgrid::SentCommands()[0].window, 77u);
-  EXPECT_EQ(zvgrid::SentCommands()[0].message, 273);
-  EXPECT_EQ(zvgrid::SentCommands()[0].command, 20);
-  EXPECT_EQ(zvgrid::SaveCsvText(), before);
-}
-
 // ResolveVariable's path for a text that is not a plain name.
 TEST_F(GridOperationsTest, NamesAColumnOnlyWhenTheExpressionIsJustIt) {
   Load(kSheet);

@@ -157,34 +157,6 @@ TEST(ResourceModule, DialogTemplatesAndTheirFaults) {
   WinFreeLibrary(module);
 }
 
-TEST(ResourceModule, ImagesByNameWithTheirPixels) {
-  TempResourceFolder folder;
-  folder.Write("images/DOT.pbm", "P1\n# a 3 by 2 image\n3 2\n0 1 0\n101\n");
-  folder.Write("images/BAD.pbm", "P1\n2 2\n0 1 1\n");
-  ModuleRef module = 0;
-  const std::string said = LoadCapturing(&module);
-  EXPECT_THAT(said, HasSubstr("BAD.pbm:1: expected 4 pixels, found 3"));
-
-  uint32_t plain = WinLoadImage(module, "dot", false);
-  uint32_t colored = WinLoadImage(module, "DOT", true);
-  ASSERT_NE(plain, 0u);
-  ASSERT_NE(colored, 0u);
-  EXPECT_NE(plain, colored);
-  EXPECT_EQ(WinLoadImage(module, "Dot", false), plain);
-  EXPECT_EQ(WinLoadImage(module, "BAD", false), 0u);
-  EXPECT_EQ(WinLoadImage(module, "NONE", false), 0u);
-
-  const auto* image = static_cast<const WinImage*>(WinResolve(plain));
-  ASSERT_NE(image, nullptr);
-  EXPECT_EQ(image->width, 3);
-  EXPECT_EQ(image->height, 2);
-  EXPECT_EQ(image->pixels, (std::vector<uint8_t>{0, 1, 0, 1, 0, 1}));
-  EXPECT_FALSE(image->systemColors);
-  EXPECT_TRUE(static_cast<const WinImage*>(WinResolve(colored))->systemColors);
-  WinFreeLibrary(module);
-  EXPECT_EQ(WinResolve(plain), nullptr);
-}
-
 // The project's own resource folder must load without a single complaint,
 // with the four arrow images that the variable dialogs use.
 TEST(ResourceModule, ProjectResourcesLoadCleanly) {
