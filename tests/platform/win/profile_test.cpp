@@ -73,14 +73,4 @@ TEST_F(ProfileTest, TextsAreCutToTheBuffer) {
   EXPECT_STREQ(buffer, ";");
 }
 
-TEST_F(ProfileTest, MissingFileGivesTheDefaults) {
-  setenv("ZIVARA_PROFILE", (path_.string() + ".absent").c_str(), 1);
-  char buffer[10];
-  EXPECT_EQ(WinGetProfileInt("Intl", "iLzero", 1), 1);
-  EXPECT_EQ(WinGetProfileString("Intl", "sDecimal", ".", buffer, 10), 1u);
-  EXPECT_STREQ(buffer, ".");
-  unsetenv("ZIVARA_PROFILE");
-  EXPECT_EQ(WinGetProfileInt("Intl", "iLzero", 1), 1);
-}
-
 }  // namespace
