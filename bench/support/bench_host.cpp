@@ -6,6 +6,7 @@
 #include "frame/module_start.h"
 #include "frame/module_state.h"
 #include "zvgrid/zvgrid.h"
+#include "zvhost/record_blocks.h"
 #include "zvwin/zvwin.h"
 
 namespace zvbench {
@@ -61,15 +62,8 @@ BenchHost::BenchHost(const zv::FamilyInfo& family, std::initializer_list<const c
 }
 
 BenchHost::~BenchHost() {
-  for (zv::VariableBinding& binding : state->bindings) {
-    WinGlobalFree(binding.data);
-    if (binding.expression) WinTextFree(binding.expression);
-  }
-  WinGlobalFree(state->order);
-  for (Handle block : {record->textItems, record->textStrings, record->textNumbers,
-                       record->titleLines, record->titleLengths}) {
-    WinGlobalFree(block);
-  }
+  zvhost::ReleaseStateBlocks(*state);
+  zvhost::ReleasePaneRecordBlocks(*record);
   zv::gStates[0] = nullptr;
 }
 

@@ -39,10 +39,6 @@ class AxesTest : public ModuleFixture {
   }
   void TearDown() override {
     if (!drawn_) zv::EndGraph(pane.get(), 0);
-    for (Handle* h : {&paneRecord->textItems, &paneRecord->textStrings, &paneRecord->textNumbers,
-                      &paneRecord->titleLines, &paneRecord->titleLengths}) {
-      zv::FreeGlobal(h);
-    }
     zv::gCurrentPane = nullptr;
     ModuleFixture::TearDown();
   }

@@ -35,10 +35,6 @@ class GraphPaneTest : public ModuleFixture {
     zv::gAddedText.clear();
   }
   void TearDown() override {
-    for (Handle* h : {&paneRecord->textItems, &paneRecord->textStrings, &paneRecord->textNumbers,
-                      &paneRecord->titleLines, &paneRecord->titleLengths}) {
-      zv::FreeGlobal(h);
-    }
     zv::gCurrentPane = nullptr;
     ModuleFixture::TearDown();
   }

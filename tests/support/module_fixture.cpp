@@ -7,6 +7,7 @@
 #include "frame/module_state.h"
 #include "zvgrid/sheet.h"
 #include "zvgrid/zvgrid.h"
+#include "zvhost/record_blocks.h"
 
 namespace zvtest {
 namespace {
@@ -74,23 +75,8 @@ void ModuleFixture::TearDown() {
   WinSetDialogDriver(nullptr);
   EXPECT_EQ(WinLockedBlockCount(), 0u) << "a block stayed locked";
   EXPECT_TRUE(WinMissingStrings().empty()) << "the string table lacks a number the code used";
-  // Frees what the Host owns: the bindings' blocks and expression texts,
-  // the row order and the graph pane record's blocks.
-  for (auto& state : states) {
-    for (auto& binding : state->bindings) {
-      if (binding.data) WinGlobalFree(binding.data);
-      if (binding.expression) WinTextFree(binding.expression);
-      binding.data = 0;
-      binding.expression = 0;
-    }
-    if (state->order) WinGlobalFree(state->order);
-    state->order = 0;
-  }
-  for (Handle* block : {&paneRecord->textItems, &paneRecord->textStrings, &paneRecord->textNumbers,
-                        &paneRecord->titleLines, &paneRecord->titleLengths}) {
-    if (*block) WinGlobalFree(*block);
-    *block = 0;
-  }
+  for (auto& state : states) zvhost::ReleaseStateBlocks(*state);
+  zvhost::ReleasePaneRecordBlocks(*paneRecord);
   for (auto*& s : zv::gStates) s = nullptr;
 }
 

@@ -6,6 +6,7 @@
 #include "zvchart/zvchart.h"
 #include "zvcounsel/zvcounsel.h"
 #include "zvgrid/sheet.h"
+#include "zvhost/record_blocks.h"
 
 namespace zvhost {
 
@@ -22,13 +23,6 @@ const zv::FrameWindowVtbl kFrameVtbl{&Host::EditExpressionOp};
 template <class T>
 uint32_t RegisterTable(const T& table) {
   return WinRegister(const_cast<T*>(&table));
-}
-
-// A handle that the module left in a record, freed when the Host discards
-// the record. Handles that no longer name a block are left alone.
-void FreeIfLive(Handle& block) {
-  if (block != 0 && WinGlobalSize(block) != 0) WinGlobalFree(block);
-  block = 0;
 }
 
 bool ValidSlot(int32_t slot) { return slot >= 0 && slot < 64; }
@@ -476,27 +470,15 @@ void Host::DestroyAnalysis(Analysis& analysis) {
   for (Pane& pane : analysis.panes) {
     zv::PaneRecord& r = *pane.record;
     if (r.graphId != 0) ChartRelease(r.graphId);
-    FreeIfLive(r.textItems);
-    FreeIfLive(r.textStrings);
-    FreeIfLive(r.textNumbers);
-    FreeIfLive(r.titleLines);
-    FreeIfLive(r.titleLengths);
+    ReleasePaneRecordBlocks(r);
     WinDestroyWindow(pane.window->window);
     WinUnregister(pane.windowRef);
     WinUnregister(pane.recordRef);
   }
   analysis.panes.clear();
   if (analysis.state) {
-    zv::ProcedureState& s = *analysis.state;
-    // The Host discards the block, and with it the blocks its bindings hold.
-    for (zv::VariableBinding& b : s.bindings) {
-      FreeIfLive(b.data);
-      if (b.expression != 0) WinTextFree(b.expression);
-      b.expression = 0;
-    }
-    FreeIfLive(s.order);
-    FreeIfLive(s.hostBlock);
-    for (Handle& text : s.paneText) FreeIfLive(text);
+    // The Host discards the block, and with it the blocks its fields hold.
+    ReleaseStateBlocks(*analysis.state);
     WinUnregister(analysis.stateRef);
   }
   if (analysis.view) WinUnregister(analysis.viewRef);
