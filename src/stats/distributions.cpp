@@ -23,7 +23,7 @@ constexpr double kLn2Rounded = 0.6931471805599;
 // many terms the call raises SilentAbort instead of running for seconds.
 // The Binomial pays two LogGamma per term; the other sums one product.
 constexpr double kMaxBinomialTerms = 5e5;
-constexpr double kMaxProductTerms = 1e7;
+constexpr double kMaxProductTerms = 2e6;
 
 // Counts above 2^53 are no longer one apart as doubles: a search that would
 // step past it has no whole-number answer.
