@@ -84,6 +84,30 @@ BENCHMARK(BM_Life2Prepare)
     ->Range(10'000, 1'000'000)
     ->Unit(benchmark::kMillisecond);
 
+// Begin on 10,000 rows in G groups, as when an identifier column is picked
+// as the group: the group comparison dominates, with G x G covariances.
+void BM_Life2ManyGroups(benchmark::State& bench) {
+  const int32_t n = 10'000;
+  const int32_t groups = static_cast<int32_t>(bench.range(0));
+  LoadTrialSheet(n);
+  std::vector<std::string> patient(n);
+  for (int32_t i = 0; i < n; ++i) patient[i] = "P" + std::to_string(i % groups);
+  zvgrid::AddTextColumn("Patient", std::move(patient));
+  zvbench::BenchHost host(zv::kLife2Family,
+                          std::initializer_list<const char*>{"Time", "Censored", "Patient"});
+  for (auto _ : bench) {
+    Life2Begin(0, 0, 0);
+    if (host.state->status != 0) bench.SkipWithError("the analysis failed");
+  }
+  bench.SetComplexityN(groups);
+}
+BENCHMARK(BM_Life2ManyGroups)
+    ->Arg(10)
+    ->Arg(100)
+    ->Arg(300)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond);
+
 // One group of distinct times, a third withdrawn, in survival order.
 struct SortedGroup {
   explicit SortedGroup(int32_t n) : time(n), censor(n), rows(n) {

@@ -1,5 +1,6 @@
 #include "stats/distributions.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -22,7 +23,7 @@ constexpr double kLn2Rounded = 0.6931471805599;
 // Every running sum below is bounded by the arguments' domain: past this
 // many terms the call raises SilentAbort instead of running for seconds.
 // The Binomial pays two LogGamma per term; the other sums one product.
-constexpr double kMaxBinomialTerms = 5e5;
+constexpr double kMaxBinomialTerms = 2e5;
 constexpr double kMaxProductTerms = 2e6;
 
 // Counts above 2^53 are no longer one apart as doubles: a search that would
@@ -491,6 +492,9 @@ double CdfOf(int32_t id, int32_t index, const double* block, double x) {
     case kDistBinomial: {
       if (k < 0) return 0.0;
       if (k > p1) return 1.0;
+      // A sum that must reach a term past the cap both at k and at the mode
+      // is refused before it starts.
+      if (std::min(k, (p1 + 1) * p0) > kMaxBinomialTerms) throw SilentAbort{};
       BinomialSum s = StartBinomialSum(q);
       while (s.i < k && !Settled(s, q)) Advance(s, q);
       return s.sum;
