@@ -156,10 +156,11 @@ double StudentQuantile(double p, double df) {
       y = a * y * y;
       y = y > 0.002 ? GuardedExp(y) - 1 : (0.5 * y + 1) * y;
     } else {
+      // clang-format off
       y = ((1 / (((df + 6) / (df * y) - 0.089 * d - 0.822) * (df + 2) * 3) + 0.5 / (df + 4)) * y -
-           1) *
-              (df + 1) / (df + 2) +
+           1) * (df + 1) / (df + 2) +
           1 / y;
+      // clang-format on
     }
     t = GuardedSqrt(df * y);
   }
@@ -192,16 +193,10 @@ double GammaFunction(double x) {
   if (x < 1) return RequireFinite(GammaFunction(x + 1) / x);
   if (x <= 2) {
     const double u = x - 1;
+    // clang-format off
     return ((((((((0.035868343 * u - 0.193527818) * u + 0.482199394) * u - 0.756704078) * u +
-                0.918206857) *
-                   u -
-               0.897056937) *
-                  u +
-              0.988205891) *
-                 u -
-             0.577191652) *
-            u) +
-           1;
+                0.918206857) * u - 0.897056937) * u + 0.988205891) * u - 0.577191652) * u) + 1;
+    // clang-format on
   }
   return GuardedExp(LogGamma(x));
 }
