@@ -1,6 +1,6 @@
 #include "services/dialog_exchange.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -42,15 +42,16 @@ void SetIfDifferent(DataExchange& dx, int32_t control, const std::string& text) 
   if (dx.dialog.GetItemText(control) != text) dx.dialog.SetItemText(control, text);
 }
 
-// A whole number from a text with only blanks around it.
+// A whole number from a text with only blanks around it. One beyond the
+// range of long long is taken as its nearest limit: it is still a whole
+// number, and the range check that follows says what the field allows.
 bool ParseWhole(std::string_view text, long long* value) {
   std::string s(text.substr(0, kControlTextLimit));
   const char* p = s.c_str();
   while (IsSpace(*p)) ++p;
   char* end = nullptr;
-  errno = 0;
   *value = std::strtoll(p, &end, 10);
-  if (end == p || errno == ERANGE) return false;
+  if (end == p) return false;
   while (IsSpace(*end)) ++end;
   return *end == '\0';
 }
@@ -106,11 +107,11 @@ bool ExchangeInt(DataExchange& dx, int32_t control, int32_t* value) {
     return true;
   }
   long long parsed = 0;
-  if (!ParseWhole(dx.dialog.GetItemText(control), &parsed) || parsed < INT32_MIN ||
-      parsed > INT32_MAX) {
+  if (!ParseWhole(dx.dialog.GetItemText(control), &parsed)) {
     return Fail(dx, control, LoadText(963));
   }
-  *value = static_cast<int32_t>(parsed);
+  // Out of the int range: the nearest limit, for the range check to refuse.
+  *value = static_cast<int32_t>(std::clamp<long long>(parsed, INT32_MIN, INT32_MAX));
   return true;
 }
 
@@ -121,10 +122,10 @@ bool ExchangeUnsigned(DataExchange& dx, int32_t control, uint32_t* value) {
     return true;
   }
   long long parsed = 0;
-  if (!ParseWhole(dx.dialog.GetItemText(control), &parsed) || parsed < 0 || parsed > UINT32_MAX) {
+  if (!ParseWhole(dx.dialog.GetItemText(control), &parsed)) {
     return Fail(dx, control, LoadText(963));
   }
-  *value = static_cast<uint32_t>(parsed);
+  *value = static_cast<uint32_t>(std::clamp<long long>(parsed, 0, UINT32_MAX));
   return true;
 }
 

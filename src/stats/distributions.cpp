@@ -1,7 +1,9 @@
 #include "stats/distributions.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <numbers>
 
 #include "frame/host_records.h"
@@ -18,9 +20,28 @@ constexpr double kSqrtTwoPi = 2.50662827462;
 // ln 2 to the digits the chi-square density uses.
 constexpr double kLn2Rounded = 0.6931471805599;
 
+// Every running sum below is bounded by the arguments' domain: past this
+// many terms the call raises SilentAbort instead of running for seconds.
+// The Binomial pays two LogGamma per term; the other sums one product.
+constexpr double kMaxBinomialTerms = 2e5;
+constexpr double kMaxProductTerms = 2e6;
+
+// Counts above 2^53 are no longer one apart as doubles: a search that would
+// step past it has no whole-number answer.
+constexpr double kLargestCount = 9007199254740992.0;
+
+void CountTerm(double terms, double cap) {
+  if (terms > cap) throw SilentAbort{};
+}
+
+double DensityOf(int32_t id, const double* q, double x);
+double CdfOf(int32_t id, int32_t index, const double* block, double x);
+
 // The value of a count at x: 2.9999999999999999 is 3.0 as a double already,
 // and the 1e-20 is added before the floor.
-double CountAt(double x) { return std::floor(x + 1e-20); }
+double CountAt(double x) {
+  return std::floor(x + 1e-20);
+}
 
 // The lower-tail sums of the Poisson, Binomial and Negative Binomial, built
 // one term at a time. DistributionCdf and the inverse search share them, so
@@ -49,13 +70,24 @@ bool Advance(PoissonSum& s, double mean) {
 struct BinomialSum {
   double i = 0;
   double sum = 0;
+  double term = 0;
 };
 void Advance(BinomialSum& s, const double* q) {
   s.i = s.i + 1;
-  s.sum = s.sum + DistributionDensity(kDistBinomial, 0, q, s.i);
+  CountTerm(s.i, kMaxBinomialTerms);
+  s.term = DensityOf(kDistBinomial, q, s.i);
+  s.sum = s.sum + s.term;
 }
 BinomialSum StartBinomialSum(const double* q) {
-  return {0, DistributionDensity(kDistBinomial, 0, q, 0)};
+  const double first = DensityOf(kDistBinomial, q, 0);
+  return {0, first, first};
+}
+// Past the mode the masses fall. One below 1e-17 of the sum cannot change it
+// (half a unit in its last place is at least 5.5e-17 of it), and neither can
+// the smaller ones after it: the rounding of the masses themselves (about
+// 1e-8 relative, from LogGamma) is far from that factor of 5.5.
+bool Settled(const BinomialSum& s, const double* q) {
+  return s.i > (q[1] + 1) * q[0] && s.term <= 1e-17 * s.sum;
 }
 
 // Negative Binomial above k = p1: Gamma(p1) times the ratios of successive
@@ -73,6 +105,7 @@ NegativeBinomialSum StartNegativeBinomialSum(const double* q) {
 bool Advance(NegativeBinomialSum& s, const double* q) {
   const double before = s.sum;
   s.i = s.i + 1;
+  CountTerm(s.i - q[1], kMaxProductTerms);
   s.ratio = ((s.i - 1) / (s.i - q[1])) * (1 - q[0]);
   s.term = s.ratio * s.term;
   s.sum = s.sum + s.term;
@@ -82,13 +115,34 @@ double NegativeBinomialScale(const double* q) {
   return GuardedPow(q[0], q[1]) / GuardedExp(LogGamma(q[1]));
 }
 
+// The smallest whole x >= start whose cumulative reaches p, found from an
+// estimate x by single steps down and up. The cumulative is monotone, so this
+// is the count the plain search from `start` finds; a few steps settle a
+// rounded estimate, and more than 64 mean the counts are no longer whole
+// numbers one apart.
+double StepToFirstReaching(int32_t id, const double* q, double p, double start, double x) {
+  if (!(x >= start)) x = start;
+  if (!(x <= kLargestCount)) throw SilentAbort{};
+  for (int step = 0; x > start && CdfOf(id, 0, q, x - 1) >= p; ++step) {
+    if (step == 64) throw SilentAbort{};
+    x = x - 1;
+  }
+  for (int step = 0; !(CdfOf(id, 0, q, x) >= p); ++step) {
+    if (step == 64 || x >= kLargestCount) throw SilentAbort{};
+    x = x + 1;
+  }
+  return x;
+}
+
 // Smallest count x = 0, 1, 2, ... whose cumulative reaches p, for the
-// discrete ids. The search has no cap; stretches where the cumulative is 0 are
-// skipped and the running sums are carried from one x to the next, which
-// changes no result. Where the cumulative provably never reaches p it returns
+// discrete ids. Stretches where the cumulative is 0 are skipped, the running
+// sums are carried from one x to the next, and the Geometric and Discrete
+// Uniform start from their closed-form inverse; none of this changes a
+// result. Where the cumulative provably never reaches p it returns
 // kMissingValue instead of running forever: a Poisson mean above 200 (exp(-p0)
 // is an exact 0), a running sum that has settled below p, a Geometric with
-// 1 - p0 >= 1, and a Negative Binomial whose p0^p1 is an exact 0.
+// 1 - p0 >= 1, and a Negative Binomial whose p0^p1 is an exact 0. Sums longer
+// than their cap raise SilentAbort.
 double DiscreteSearch(int32_t id, const double* q, double p) {
   double x = 0;
   switch (id) {
@@ -106,6 +160,8 @@ double DiscreteSearch(int32_t id, const double* q, double p) {
       for (;;) {
         const double cdf = x > q[1] ? 1.0 : s.sum;
         if (cdf >= p) return x;
+        // A settled sum stays below p up to the number of trials.
+        if (Settled(s, q)) return std::floor(q[1]) + 1;
         x = x + 1;
         if (x <= q[1]) Advance(s, q);
       }
@@ -116,7 +172,7 @@ double DiscreteSearch(int32_t id, const double* q, double p) {
         x = std::ceil(q[1]);
       }
       if (x == q[1]) {
-        if (DistributionDensity(id, 0, q, x) >= p) return x;
+        if (DensityOf(id, q, x) >= p) return x;
         x = x + 1;
       }
       NegativeBinomialSum s = StartNegativeBinomialSum(q);
@@ -130,20 +186,25 @@ double DiscreteSearch(int32_t id, const double* q, double p) {
         x = x + 1;
       }
     }
-    case kDistGeometric:
-      while (!(DistributionCdf(id, 0, q, x) >= p)) {
-        if (!(1 - q[0] < 1)) return kMissingValue;
-        x = x + 1;
-      }
-      return x;
-    case kDistDiscreteUniform:
+    case kDistGeometric: {
+      if (CdfOf(id, 0, q, x) >= p) return x;
+      if (!(1 - q[0] < 1)) return kMissingValue;
+      // 1 - (1 - p0)^(x + 1) >= p from x = ln(1 - p) / ln(1 - p0) - 1 on.
+      const double estimate =
+          q[0] < 1 ? std::ceil(GuardedLog(1 - p) / GuardedLog(1 - q[0]) - 1) : 0.0;
+      return StepToFirstReaching(id, q, p, 0, estimate);
+    }
+    case kDistDiscreteUniform: {
       if (x < q[0]) {
         if (0.0 >= p) return x;
         x = std::ceil(q[0]);
       }
-      [[fallthrough]];
-    default:  // Bernoulli, Discrete Uniform: the cumulative reaches 1.0.
-      while (!(DistributionCdf(id, 0, q, x) >= p)) x = x + 1;
+      // (k - p0 + 1) / (p1 - p0 + 1) >= p from k = p (p1 - p0 + 1) + p0 - 1 on.
+      const double estimate = std::ceil(p * (q[1] - q[0] + 1) + q[0] - 1);
+      return StepToFirstReaching(id, q, p, x, estimate);
+    }
+    default:  // Bernoulli: the cumulative reaches 1.0 at 1.
+      while (!(CdfOf(id, 0, q, x) >= p)) x = x + 1;
       return x;
   }
 }
@@ -166,12 +227,48 @@ bool IsDiscreteDistribution(int32_t id) {
 
 std::string_view DistributionLiteralName(int32_t id) {
   static constexpr std::string_view kNames[kDistributionCount] = {
-      "",         "",          "",         "",         "",         "Poisson",
-      "Beta",     "Chi-Square", "Erlang",  "Bernoulli", "Binomial", "F",
-      "Gamma",    "Laplace",   "Logistic", "Discrete Uniform", "Geometric",
-      "Student's t", "Pareto", "Triangular", "Uniform", "Negative Binomial",
+      "",          "",
+      "",          "",
+      "",          "Poisson",
+      "Beta",      "Chi-Square",
+      "Erlang",    "Bernoulli",
+      "Binomial",  "F",
+      "Gamma",     "Laplace",
+      "Logistic",  "Discrete Uniform",
+      "Geometric", "Student's t",
+      "Pareto",    "Triangular",
+      "Uniform",   "Negative Binomial",
   };
   return id >= 0 && id < kDistributionCount ? kNames[id] : std::string_view();
+}
+
+const DistributionParameterInfo& DistributionUserParameters(int32_t id) {
+  static constexpr DistributionParameterInfo kTable[kDistributionCount] = {
+      {1, {"mean"}},
+      {2, {"mode", "scale"}},
+      {2, {"mean of X", "standard deviation of X"}},
+      {2, {"mean", "standard deviation"}},
+      {3, {"shape", "scale", "starting point"}},
+      {1, {"mean"}},
+      {2, {"shape 1", "shape 2"}},
+      {1, {"degrees of freedom"}},
+      {2, {"shape (whole)", "rate"}},
+      {1, {"probability"}},
+      {2, {"probability", "number of trials"}},
+      {2, {"numerator degrees of freedom", "denominator degrees of freedom"}},
+      {2, {"shape", "rate"}},
+      {2, {"mean", "rate of decay"}},
+      {2, {"mean", "standard deviation"}},
+      {2, {"lower limit", "upper limit"}},
+      {1, {"probability (failures before the first success)"}},
+      {1, {"degrees of freedom"}},
+      {1, {"shape (lower limit 1)"}},
+      {3, {"lower limit", "mode", "upper limit"}},
+      {2, {"lower limit", "upper limit"}},
+      {2, {"probability", "number of successes (counts trials)"}},
+  };
+  static constexpr DistributionParameterInfo kNone{0, {}};
+  return id >= 0 && id < kDistributionCount ? kTable[id] : kNone;
 }
 
 void LognormalLogParameters(double& a, double& b) {
@@ -232,8 +329,9 @@ void PrepareDistributionParameters(int32_t id, double* block, int32_t count) {
   }
 }
 
-double DistributionDensity(int32_t id, int32_t index, const double* block, double x) {
-  const double* q = block + index;
+namespace {
+
+double DensityOf(int32_t id, const double* q, double x) {
   const double p0 = q[0], p1 = q[1], p2 = q[2], p3 = q[3];
   switch (id) {
     case kDistExponential:
@@ -332,7 +430,7 @@ double DistributionDensity(int32_t id, int32_t index, const double* block, doubl
   }
 }
 
-double DistributionCdf(int32_t id, int32_t index, const double* block, double x) {
+double CdfOf(int32_t id, int32_t index, const double* block, double x) {
   const double* q = block + index;
   const double p0 = q[0], p1 = q[1], p2 = q[2];
   const double k = CountAt(x);
@@ -357,6 +455,9 @@ double DistributionCdf(int32_t id, int32_t index, const double* block, double x)
     }
     case kDistPoisson: {
       if (k < 0) return 0.0;
+      // exp(-p0) is held at an exact 0 above a mean of 200: the product is
+      // 0 however long the sum would run.
+      if (p2 == 0) return 0.0;
       PoissonSum s;
       while (s.i < k && Advance(s, p0)) {
       }
@@ -371,11 +472,17 @@ double DistributionCdf(int32_t id, int32_t index, const double* block, double x)
       if (x < 1e-100) x = 1e-100;
       const double y = p1 * x;
       const double m = std::trunc(p0);
-      // The terms y^i / i! by running products: exact factorials.
+      // The terms y^i / i! by running products: exact factorials. Past i = y
+      // they only shrink, so one that leaves the sum unchanged ends it (as in
+      // the Poisson sum); before that the sum overflows for y above about
+      // 710, where the old product 0 times infinity had no value.
       double term = 1, sum = 0;
       for (double i = 0; i < m; ++i) {
+        const double before = sum;
         if (i > 0) term = term * (y / i);
         sum = sum + term;
+        if (!std::isfinite(sum)) throw SilentAbort{};
+        if (i > std::fabs(y) && sum == before) break;
       }
       return 1 - GuardedExp(-y) * sum;
     }
@@ -385,8 +492,11 @@ double DistributionCdf(int32_t id, int32_t index, const double* block, double x)
     case kDistBinomial: {
       if (k < 0) return 0.0;
       if (k > p1) return 1.0;
+      // A sum that must reach a term past the cap both at k and at the mode
+      // is refused before it starts.
+      if (std::min(k, (p1 + 1) * p0) > kMaxBinomialTerms) throw SilentAbort{};
       BinomialSum s = StartBinomialSum(q);
-      while (s.i < k) Advance(s, q);
+      while (s.i < k && !Settled(s, q)) Advance(s, q);
       return s.sum;
     }
     case kDistF:
@@ -416,15 +526,50 @@ double DistributionCdf(int32_t id, int32_t index, const double* block, double x)
       return x <= p1 ? (x - p0) / (p1 - p0) : 1.0;
     case kDistNegativeBinomial: {
       if (k < p1) return 0.0;
-      if (k == p1) return DistributionDensity(id, index, block, k);
+      if (k == p1) return DensityOf(id, q, k);
+      // A scale p0^p1 / Gamma(p1) that is an exact 0 makes the product 0.
+      const double scale = NegativeBinomialScale(q);
+      if (scale == 0) return 0.0;
       NegativeBinomialSum s = StartNegativeBinomialSum(q);
       while (s.i < k && Advance(s, q)) {
       }
-      return s.sum * NegativeBinomialScale(q);
+      return s.sum * scale;
     }
     default:
       return kMissingValue;
   }
+}
+
+}  // namespace
+
+namespace {
+
+// A user parameter that is not a number would keep a running sum going.
+void RequireNumbers(int32_t id, const double* q, double x) {
+  if (std::isnan(x)) throw SilentAbort{};
+  const DistributionParameterInfo& info = DistributionUserParameters(id);
+  for (int32_t i = 0; i < info.count; ++i) {
+    if (std::isnan(q[i])) throw SilentAbort{};
+  }
+}
+
+}  // namespace
+
+// A density that is not a finite number (a Beta or Gamma shape below 1 at
+// its end point) has no value there, like a point outside the support.
+double DistributionDensity(int32_t id, int32_t index, const double* block, double x) {
+  RequireNumbers(id, block + index, x);
+  const double f = DensityOf(id, block + index, x);
+  return std::isfinite(f) ? f : kMissingValue;
+}
+
+// A probability that does not come out a number means parameters outside
+// the distribution's domain.
+double DistributionCdf(int32_t id, int32_t index, const double* block, double x) {
+  RequireNumbers(id, block + index, x);
+  const double p = CdfOf(id, index, block, x);
+  if (!std::isfinite(p)) throw SilentAbort{};
+  return p;
 }
 
 // One 32-point Gauss-Legendre rule over [0, x], without subdivision or error
@@ -433,7 +578,7 @@ double DistributionCdf(int32_t id, int32_t index, const double* block, double x)
 // numerator degree of freedom).
 double QuadratureCdf(int32_t id, int32_t index, const double* block, double x) {
   const auto density = [&](double t) {
-    const double f = DistributionDensity(id, index, block, t);
+    const double f = DensityOf(id, block + index, t);
     return f == kMissingValue ? 0.0 : f;
   };
   const double h = x / 2;
@@ -445,7 +590,9 @@ double QuadratureCdf(int32_t id, int32_t index, const double* block, double x) {
   return h * sum;
 }
 
-double DistributionInverse(int32_t id, int32_t index, const double* block, double p) {
+namespace {
+
+double InverseOf(int32_t id, int32_t index, const double* block, double p) {
   const double* q = block + index;
   const double p0 = q[0], p1 = q[1], p2 = q[2];
   if (p >= 1) {
@@ -508,6 +655,15 @@ double DistributionInverse(int32_t id, int32_t index, const double* block, doubl
     default:
       return kMissingValue;
   }
+}
+
+}  // namespace
+
+// An inverse that is not a finite number has no value, as at p = 1.
+double DistributionInverse(int32_t id, int32_t index, const double* block, double p) {
+  RequireNumbers(id, block + index, p);
+  const double x = InverseOf(id, index, block, p);
+  return std::isfinite(x) ? x : kMissingValue;
 }
 
 }  // namespace zv

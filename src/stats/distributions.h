@@ -11,6 +11,8 @@
 //
 // Guarded functions raise SilentAbort for parameters outside their domain
 // (a Binomial probability of 0 or 1, for instance); callers keep them valid.
+// An x, p or user parameter that is not a number raises as well, and so does
+// a running sum longer than its cap; no result is ever a NaN or an infinity.
 #pragma once
 
 #include <cstdint>
@@ -20,28 +22,28 @@ namespace zv {
 
 // Distribution ids. The numbers are stored in saved procedure state.
 enum DistributionId : int32_t {
-  kDistExponential = 0,       // p0 mean
-  kDistExtremeValue = 1,      // p0 mode, p1 scale; p2 = ln(1 / p1)
-  kDistLognormal = 2,         // p0 mean, p1 sd; p2, p3 mean and sd of the logarithm
-  kDistNormal = 3,            // p0 mean, p1 sd
-  kDistWeibull = 4,           // p0 shape, p1 scale, p2 starting point
-  kDistPoisson = 5,           // p0 mean; p2 = exp(-p0)
-  kDistBeta = 6,              // p0, p1 shapes; p2 = beta function of p0, p1
-  kDistChiSquare = 7,         // p0 df; p2 = LogGamma(p0 / 2)
-  kDistErlang = 8,            // p0 whole shape, p1 rate; p2 = -(LogGamma(p0) + ln(1 / p1))
-  kDistBernoulli = 9,         // p0 probability
-  kDistBinomial = 10,         // p0 probability, p1 trials; p2 = LogGamma(p1 + 1), p3 = ln(1 - p0)
-  kDistF = 11,                // p0, p1 df; p2, p3 log normalising terms
-  kDistGamma = 12,            // p0 shape, p1 rate; p2 = -(LogGamma(p0) + p0 ln(1 / p1))
-  kDistLaplace = 13,          // p0 mean, p1 rate of decay
-  kDistLogistic = 14,         // p0 mean, p1 sd
-  kDistDiscreteUniform = 15,  // p0 lower, p1 upper limit
-  kDistGeometric = 16,        // p0 probability; failures before the first success
-  kDistStudentT = 17,         // p0 df; p2 log normalising term
-  kDistPareto = 18,           // p0 shape; lower limit 1
-  kDistTriangular = 19,       // p0 lower limit, p1 mode, p2 upper limit
-  kDistUniform = 20,          // p0 lower, p1 upper limit
-  kDistNegativeBinomial = 21, // p0 probability, p1 successes; trials until the p1-th success
+  kDistExponential = 0,        // p0 mean
+  kDistExtremeValue = 1,       // p0 mode, p1 scale; p2 = ln(1 / p1)
+  kDistLognormal = 2,          // p0 mean, p1 sd; p2, p3 mean and sd of the logarithm
+  kDistNormal = 3,             // p0 mean, p1 sd
+  kDistWeibull = 4,            // p0 shape, p1 scale, p2 starting point
+  kDistPoisson = 5,            // p0 mean; p2 = exp(-p0)
+  kDistBeta = 6,               // p0, p1 shapes; p2 = beta function of p0, p1
+  kDistChiSquare = 7,          // p0 df; p2 = LogGamma(p0 / 2)
+  kDistErlang = 8,             // p0 whole shape, p1 rate; p2 = -(LogGamma(p0) + ln(1 / p1))
+  kDistBernoulli = 9,          // p0 probability
+  kDistBinomial = 10,          // p0 probability, p1 trials; p2 = LogGamma(p1 + 1), p3 = ln(1 - p0)
+  kDistF = 11,                 // p0, p1 df; p2, p3 log normalising terms
+  kDistGamma = 12,             // p0 shape, p1 rate; p2 = -(LogGamma(p0) + p0 ln(1 / p1))
+  kDistLaplace = 13,           // p0 mean, p1 rate of decay
+  kDistLogistic = 14,          // p0 mean, p1 sd
+  kDistDiscreteUniform = 15,   // p0 lower, p1 upper limit
+  kDistGeometric = 16,         // p0 probability; failures before the first success
+  kDistStudentT = 17,          // p0 df; p2 log normalising term
+  kDistPareto = 18,            // p0 shape; lower limit 1
+  kDistTriangular = 19,        // p0 lower limit, p1 mode, p2 upper limit
+  kDistUniform = 20,           // p0 lower, p1 upper limit
+  kDistNegativeBinomial = 21,  // p0 probability, p1 successes; trials until the p1-th success
 };
 inline constexpr int32_t kDistributionCount = 22;
 
@@ -63,6 +65,14 @@ bool IsDiscreteDistribution(int32_t id);
 // The fixed name of ids 5 to 21 ("Poisson", ..., "F", ..., "Negative
 // Binomial"); empty for ids 0 to 4, whose names come from the string table.
 std::string_view DistributionLiteralName(int32_t id);
+
+// The parameters a user gives for an id, p0 to p[count - 1], and what each
+// means ("mean", "shape", ...); the other slots are derived.
+struct DistributionParameterInfo {
+  int32_t count;
+  std::string_view meaning[3];
+};
+const DistributionParameterInfo& DistributionUserParameters(int32_t id);
 
 // Density at x, or the probability mass for a discrete id; kMissingValue
 // when x is outside the support.

@@ -2,12 +2,31 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "frame/host_records.h"
 
 namespace zv {
 
 namespace {
+
+// Arguments that are not numbers are outside every function's domain; a
+// result that overflows is outside the range the printed values can hold.
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+void RequireNumber(double x) {
+  if (std::isnan(x)) throw SilentAbort{};
+}
+double RequireFinite(double x) {
+  if (!std::isfinite(x)) throw SilentAbort{};
+  return x;
+}
+
+// The peeled sum of IncompleteBeta adds one term per whole unit of b (four
+// logarithms each), and a beta quantile calls it up to 32 times: past this
+// many terms the call raises instead of running for seconds. The t and F
+// paths stay below 501; only a fitted beta with a shape above 2e4 reaches it.
+constexpr double kMaxPeeledTerms = 2e4;
 
 // pi / 2 to the eight decimals Hill's algorithm 396 uses.
 constexpr double kHalfPi8 = 1.57079633;
@@ -48,6 +67,7 @@ double RegulaFalsi(double x0, double f0, double x1, double f1, double step_toler
 // form. Kept as is because the reports print exactly these values. The
 // exponent is held at -200 so that far tails stay numbers.
 double NormalCdf(double z) {
+  RequireNumber(z);
   if (z == 0) return 0.5;
   const double e = GuardedExp(std::max(-0.5 * z * z, -200.0));
   const double u = 1 + 0.231642 * std::fabs(z);
@@ -60,20 +80,22 @@ double NormalCdf(double z) {
   return z > 0 ? (0.5 - q) + 0.5 : -(0.5 - q) + 0.5;
 }
 
-double NormalCdfAt(double x, double mean, double sd) { return NormalCdf((x - mean) / sd); }
+double NormalCdfAt(double x, double mean, double sd) {
+  return NormalCdf((x - mean) / sd);
+}
 
 // Normal quantile by the rational approximation of Odeh and Evans (Applied
 // Statistics AS 70, 1974) with its coefficients rounded to about six digits
 // (0.342241 where the published value is 0.342242). Measured absolute error
 // up to about 1.5e-4 in z.
 double NormalQuantile(double p) {
+  RequireNumber(p);
   if (p == 1) return kNormalQuantileInfinity;
   if (p == 0) return -kNormalQuantileInfinity;
   const double m = std::min(p, 1 - p);
   const double x = GuardedSqrt(-2 * GuardedLog(m));
   if (p == 0.5) return 0.0;
-  const double numerator =
-      (((0.000045 * x + 0.020423) * x + 0.342241) * x + 1) * x + 0.322232;
+  const double numerator = (((0.000045 * x + 0.020423) * x + 0.342241) * x + 1) * x + 0.322232;
   const double denominator =
       (((0.003856 * x + 0.103538) * x + 0.531103) * x + 0.588582) * x + 0.099348;
   const double z = x - numerator / denominator;
@@ -87,6 +109,8 @@ double NormalQuantileAt(double p, double mean, double sd) {
 // Student's t through the incomplete beta ratio; the normal above 1000
 // degrees of freedom.
 double StudentCdf(double t, double df) {
+  RequireNumber(t);
+  if (!(df >= 0)) throw SilentAbort{};
   if (df > 1000) return NormalCdf(t);
   const double w = df / (t * t + df);
   const double c = 1 - 0.5 * IncompleteBeta(w, df / 2, 0.5);
@@ -96,10 +120,14 @@ double StudentCdf(double t, double df) {
 // Student's t quantile by Hill's algorithm 396 (Communications of the ACM,
 // 1970) with pi / 2 to eight decimals; exact closed forms for 1 and 2 degrees
 // of freedom, the normal quantile above 1000. Its accuracy follows that of
-// NormalQuantile in the tail branch.
+// NormalQuantile in the tail branch. At p = 1 and p = 0 (and wherever the
+// closed forms overflow) it gives the reserved infinities of NormalQuantile.
 double StudentQuantile(double p, double df) {
+  RequireNumber(p);
+  RequireNumber(df);
   if (df == 0) return kMissingValue;
   if (df > 1000) return NormalQuantile(p);
+  if (p < 0 || p > 1 || df < 0) throw SilentAbort{};
   bool negate = false;
   if (p < 0.5) {
     p = 1 - p;
@@ -128,60 +156,88 @@ double StudentQuantile(double p, double df) {
       y = a * y * y;
       y = y > 0.002 ? GuardedExp(y) - 1 : (0.5 * y + 1) * y;
     } else {
+      // clang-format off
       y = ((1 / (((df + 6) / (df * y) - 0.089 * d - 0.822) * (df + 2) * 3) + 0.5 / (df + 4)) * y -
            1) * (df + 1) / (df + 2) +
           1 / y;
+      // clang-format on
     }
     t = GuardedSqrt(df * y);
   }
+  if (std::isinf(t)) t = kNormalQuantileInfinity;
+  RequireFinite(t);
   return negate ? -t : t;
 }
 
 // Gamma function by the polynomial of Abramowitz and Stegun 6.1.36 on [1, 2]
 // (absolute error about 3e-7), the recurrence below 1 and exp(LogGamma) above
-// 2. Negative arguments only come from the series of ChiSquareCdf and are never
-// whole numbers there.
+// 2. Negative arguments come from the series of ChiSquareCdf and are never
+// whole numbers there; the poles at 0 and the negative whole numbers give
+// kMissingValue, and a value that overflows raises.
 double GammaFunction(double x) {
+  RequireNumber(x);
   if (x == 0) return kMissingValue;
   if (x < 0) {
     const double k = std::fabs(std::floor(x));
+    if (k + x == 0 || std::isinf(x)) return kMissingValue;
     double g = GammaFunction(k + x);
-    for (double i = 0; i < k; ++i) g = g / (i + x);
-    return g;
+    // Each divisor but the last two exceeds 2 in size, so g reaches zero
+    // within about 1100 passes (from at most 2^53, since k + x is at least one
+    // unit in the last place of x); the divisions left only flip its sign.
+    for (double i = 0; i < k; ++i) {
+      if (g == 0) return std::fmod(k - i, 2) == 1 ? -g : g;
+      g = g / (i + x);
+    }
+    return RequireFinite(g);
   }
-  if (x < 1) return GammaFunction(x + 1) / x;
+  if (x < 1) return RequireFinite(GammaFunction(x + 1) / x);
   if (x <= 2) {
     const double u = x - 1;
+    // clang-format off
     return ((((((((0.035868343 * u - 0.193527818) * u + 0.482199394) * u - 0.756704078) * u +
                 0.918206857) * u - 0.897056937) * u + 0.988205891) * u - 0.577191652) * u) + 1;
+    // clang-format on
   }
   return GuardedExp(LogGamma(x));
 }
 
 // Stirling's series for ln Gamma(y + 1) with four terms and ln sqrt(2 pi)
-// rounded to 0.91893854 (error about 3e-9 from the constant alone).
+// rounded to 0.91893854 (error about 3e-9 from the constant alone). Below
+// 1 / DBL_MAX, where Gamma(x) = Gamma(x + 1) / x overflows, its logarithm is
+// taken as the difference of the two logarithms; above 2.5e305 the value
+// itself overflows and raises.
 double LogGamma(double x) {
+  RequireNumber(x);
+  if (x > 0 && x < 1e-300) {
+    const double g = GammaFunction(x + 1);
+    if (x < g / std::numeric_limits<double>::max()) return GuardedLog(g) - GuardedLog(x);
+  }
   if (x <= 2) return GuardedLog(GammaFunction(x));
   const double y = x - 1;
-  return (y + 0.5) * GuardedLog(y) + 0.91893854 - y + 0.08333333333333333 * GuardedPow(y, -1) -
-         0.002777777777777778 * GuardedPow(y, -3) + 0.0007936507936507937 * GuardedPow(y, -5) -
-         0.0005952380952380953 * GuardedPow(y, -7);
+  return RequireFinite(
+      (y + 0.5) * GuardedLog(y) + 0.91893854 - y + 0.08333333333333333 * GuardedPow(y, -1) -
+      0.002777777777777778 * GuardedPow(y, -3) + 0.0007936507936507937 * GuardedPow(y, -5) -
+      0.0005952380952380953 * GuardedPow(y, -7));
 }
 
 // Regularised incomplete beta ratio. The whole part of b is peeled off by a
 // finite sum of ratio terms, the fractional rest bb in (0, 1] goes through the
 // hypergeometric power series in x, stopped at a relative term size of 1e-6;
 // x is reflected to 1 - x above 0.5 so that the series converges at least
-// like 0.5^i.
+// like 0.5^i. Shapes must be positive and finite, and the one peeled off at
+// most 2e4.
 double IncompleteBeta(double x, double a, double b) {
+  RequireNumber(x);
   if (x <= 0) return 0.0;
   if (x >= 1) return 1.0;
+  if (!(a > 0 && b > 0 && a < kInfinity && b < kInfinity)) throw SilentAbort{};
   const bool reflected = x > 0.5;
   if (reflected) {
     x = 1 - x;
     std::swap(a, b);
   }
   const double n = std::ceil(b - 1);
+  if (n > kMaxPeeledTerms) throw SilentAbort{};
   double s1 = 0, s2 = 0, s3 = 0, s4 = 0;
   for (double i = 1; i <= n; ++i) {
     const double q = b - (i - 1);
@@ -209,19 +265,23 @@ double IncompleteBeta(double x, double a, double b) {
   const double first = GuardedExp(std::max(l1, -800.0));
   double second = 0;
   if (s4 != 0) {
-    const double l2 = GuardedLog(s4) + (b * GuardedLog(1 - x) - GuardedLog(b)) - LogGamma(bb) -
-                      s2 + t + LogGamma(a + bb) + s1;
+    const double l2 = GuardedLog(s4) + (b * GuardedLog(1 - x) - GuardedLog(b)) - LogGamma(bb) - s2 +
+                      t + LogGamma(a + bb) + s1;
     second = GuardedExp(std::max(l2, -800.0));
   }
-  const double sum = first + second;
+  const double sum = RequireFinite(first + second);
   return reflected ? 1 - sum : sum;
 }
 
 // Chi-square probability: the Wilson-Hilferty normal form from 100 degrees of
 // freedom, below it the finite sum for even df and, for odd df, the
 // asymptotic upper-tail series (y >= 7.107) or the lower-tail power series,
-// each cut off at a fixed length with a correction of its last term.
+// each cut off at a fixed length with a correction of its last term. Negative
+// degrees of freedom are outside the domain (the series would run for
+// ceil(24.75 - df / 2) terms).
 double ChiSquareCdf(double x, double df) {
+  RequireNumber(x);
+  if (!(df >= 0)) throw SilentAbort{};
   if (x <= 0) return 0.0;
   if (df >= 100) {
     const double d = 4.5 * df;
@@ -258,7 +318,7 @@ double ChiSquareCdf(double x, double df) {
     }
     p = e * s;
   }
-  return p > 0 ? p : 0.0;
+  return RequireFinite(p > 0 ? p : 0.0);
 }
 
 namespace {
@@ -276,10 +336,12 @@ double WilsonHilferty(double v, double w) {
 // Chi-square quantile: Wilson-Hilferty start, refined below 100 degrees of
 // freedom by at most 60 passes of regula falsi on ChiSquareCdf.
 double ChiSquareQuantile(double p, double df) {
+  RequireNumber(p);
+  if (!(df > 0)) throw SilentAbort{};
   if (p <= 0) return 0.0;
   const double w = -NormalQuantile(p);
   double x0 = WilsonHilferty(df, w);
-  if (df >= 100) return x0;
+  if (df >= 100) return RequireFinite(x0);
   double x1 = WilsonHilferty(df + 1, w);
   if (x0 < 0) x0 = 0;
   // A negative second start (tiny p, few df) is pushed up with more df.
@@ -293,39 +355,51 @@ double ChiSquareQuantile(double p, double df) {
   const double tolerance = df <= 3 && p <= 0.1 ? 1e-10 * p : 1e-6 * p;
   const double xn = RegulaFalsi(x0, f0, x1, f1, tolerance, 60, 1e-30,
                                 [&](double x) { return p - ChiSquareCdf(x, df); });
-  return xn < 0 ? 0.0 : xn;
+  return RequireFinite(xn < 0 ? 0.0 : xn);
 }
 
 // F quantile through Student's t for one degree of freedom, normal and
 // chi-square limits above 500, else through the beta quantile. Inherits the
-// coarse stop of the beta search: measured up to 6% off at p = 0.99.
+// coarse stop of the beta search: measured up to 6% off at p = 0.99. A
+// value that does not come out a finite number (both df near the top of the
+// double range, or b = 1 at the upper end) raises.
 double FQuantile(double p, double df1, double df2) {
+  RequireNumber(p);
+  if (!(df1 > 0 && df2 > 0)) throw SilentAbort{};
   if (p <= 0) return 0.0;
+  double f;
   if (df1 == 1) {
     const double t = StudentQuantile((1 - p) / 2, df2);
-    return t * t;
-  }
-  if (df2 == 1) {
+    f = t * t;
+  } else if (df2 == 1) {
     const double t = StudentQuantile(p / 2, df1);
-    return 1 / (t * t);
-  }
-  if (df1 > 500 && df2 > 500) {
-    return (NormalQuantile(p) * GuardedSqrt(2 * (df1 + df2 - 2) / ((df2 - 4) * df1)) + 1) * df2 /
-           (df2 - 2);
-  }
-  if (df1 > 500) return df2 / ChiSquareQuantile(1 - p, df2);
-  if (df2 > 500) return ChiSquareQuantile(p, df1) / df1;
-  if (p < 0.5) {
+    f = 1 / (t * t);
+  } else if (df1 > 500 && df2 > 500) {
+    f = (NormalQuantile(p) * GuardedSqrt(2 * (df1 + df2 - 2) / ((df2 - 4) * df1)) + 1) * df2 /
+        (df2 - 2);
+  } else if (df1 > 500) {
+    f = df2 / ChiSquareQuantile(1 - p, df2);
+  } else if (df2 > 500) {
+    f = ChiSquareQuantile(p, df1) / df1;
+  } else if (p < 0.5) {
     const double b = BetaQuantile(1 - p, df2 / 2, df1 / 2);
-    return (1 - b) * df2 / (b * df1);
+    f = (1 - b) * df2 / (b * df1);
+  } else {
+    const double b = BetaQuantile(p, df1 / 2, df2 / 2);
+    f = b * df2 / ((1 - b) * df1);
   }
-  const double b = BetaQuantile(p, df1 / 2, df2 / 2);
-  return b * df2 / ((1 - b) * df1);
+  return RequireFinite(f);
 }
 
 // Beta quantile: two starts from Abramowitz and Stegun 26.5.22, then at most
 // 30 passes of regula falsi on IncompleteBeta. Never below 1e-14 for p > 0.
 double BetaQuantile(double p, double a, double b) {
+  RequireNumber(p);
+  // Shapes that IncompleteBeta refuses to peel (and that leave the starts
+  // without a value) are refused here too, rather than ending at the floor.
+  if (!(a > 0 && b > 0 && std::ceil(std::max(a, b) - 1) <= kMaxPeeledTerms)) {
+    throw SilentAbort{};
+  }
   if (p >= 1) return 1.0;
   if (p <= 0) return 0.0;
   const double y = NormalQuantile(1 - p);
@@ -336,6 +410,9 @@ double BetaQuantile(double p, double a, double b) {
   const double w = y * GuardedSqrt(h + l) / h - (bi - ai) * (l + 5.0 / 6 - 2 / (3 * h));
   const double e = GuardedExp(2 * w);
   const double x0 = a / (b * e + a);
+  // A start that is not a number (p below 1.1e-16, where 1 - p rounds to 1)
+  // ends at the floor.
+  if (std::isnan(x0)) return kBetaQuantileFloor;
   const double plain_e = std::exp(2 * w);
   const double x1 = a == b ? a / ((1 + b) * plain_e + a) : (1 + a) / ((1 + b) * plain_e + a + 1);
   const double f0 = p - IncompleteBeta(x0, a, b);
@@ -345,9 +422,7 @@ double BetaQuantile(double p, double a, double b) {
     xn = RegulaFalsi(x0, f0, x1, f1, 1e-14, 30, 1e-14,
                      [&](double x) { return p - IncompleteBeta(x, a, b); });
   }
-  // Written so that a start that is not a number (p below 1.1e-16, where
-  // 1 - p rounds to 1) also ends at the floor.
-  return xn >= kBetaQuantileFloor ? xn : kBetaQuantileFloor;
+  return RequireFinite(xn >= kBetaQuantileFloor ? xn : kBetaQuantileFloor);
 }
 
 }  // namespace zv

@@ -31,8 +31,9 @@ int32_t FormSurvivalGroups(int32_t slot);
 int32_t Life2Estimate(int32_t slot);
 
 // The Logrank and Wilcoxon chi-squares and P-values of the groups. 1, or 0
-// with status 2 when work memory is short. A covariance matrix that cannot
-// be inverted leaves its test's two fields missing (a message has been shown).
+// with status 2 when work memory is short (one message). A covariance matrix
+// that cannot be inverted leaves its test's two fields missing (a message has
+// been shown); so do more than kMaxComparedGroups groups, without a message.
 int32_t Life2CompareGroups(int32_t slot);
 
 // Pane writers (PaneWindow, Slot, Item, 1 ignored); each hands its text to

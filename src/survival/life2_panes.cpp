@@ -1,6 +1,7 @@
 // The three report panes of the product-limit procedure: the estimates of
 // every group, the percentile table, and the comparison of the groups.
 #include <charconv>
+#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,7 @@
 #include "services/number_format.h"
 #include "services/report_pane.h"
 #include "services/variables.h"
+#include "survival/group_tests.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 #include "survival/product_limit.h"
@@ -274,7 +276,11 @@ std::string Life2ComparisonText(int32_t slot) {
   // With no analysed row the proportion has no value and its cell stays empty.
   AppendFixed(text, rows == 0 ? kMissingValue : static_cast<double>(rows - failed) / rows, 0);
   text.append(kEnd).append(kEnd);
-  if (groups > 1) {
+  if (groups > kMaxComparedGroups) {
+    char refusal[200];
+    std::snprintf(refusal, sizeof refusal, LoadText(1070).c_str(), kMaxComparedGroups);
+    text.append(refusal).append(kEnd);
+  } else if (groups > 1) {
     const double logrankP = Get(state, kLogrankPValue);
     const double wilcoxonP = Get(state, kWilcoxonPValue);
     text.append("Logrank test\r\n------------\r\nChi-square = ");

@@ -145,39 +145,53 @@ int32_t Life2CompareGroups(int32_t slot) {
   Set(state, kWilcoxonChiSquare, kMissingValue);
   Set(state, kWilcoxonPValue, kMissingValue);
   const int32_t groups = Get(state, kGroupCount);
+  // Too many groups to compare: the fields stay missing, the comparison pane
+  // says why, and the estimates stand.
+  if (groups > kMaxComparedGroups) return 1;
   const uint64_t g = static_cast<uint64_t>(groups);
   const uint64_t m = g - 1;
-  WorkArray<double> logrankScore(g), wilcoxonScore(g);
-  WorkArray<double> logrankCovariance(g * g), wilcoxonCovariance(g * g);
-  WorkArray<double> matrix(m * m), inverse(m * m), nextTime(g);
-  WorkArray<int32_t> position(g), end(g), failures(g), atRisk(g), active(g);
-  if (!logrankScore || !wilcoxonScore || !logrankCovariance || !wilcoxonCovariance || !matrix ||
-      !inverse || !nextTime || !position || !end || !failures || !atRisk || !active) {
+  // One block each for the doubles, the sweep's records and its lists, taken
+  // in turn, so that a shortage shows one message.
+  WorkArray<double> doubles(2 * g + 2 * g * g + m * m + m);
+  if (!doubles) {
     state.status = 2;
     return 0;
   }
+  WorkArray<GroupSweepEntry> entries(g);
+  if (!entries) {
+    state.status = 2;
+    return 0;
+  }
+  WorkArray<int32_t> lists(3 * g + m);
+  if (!lists) {
+    state.status = 2;
+    return 0;
+  }
+  double* const logrankScore = doubles.get();
+  double* const wilcoxonScore = logrankScore + g;
+  double* const logrankCovariance = wilcoxonScore + g;
+  double* const wilcoxonCovariance = logrankCovariance + g * g;
+  double* const matrix = wilcoxonCovariance + g * g;
+  double* const solution = matrix + m * m;
+  int32_t* const permutation = lists.get() + 3 * g;
   const bool censored = Get(state, kHasCensoring) != 0;
   LockedBlock<const int32_t> order(state.bindings[kSortOrderBinding].data);
   LockedBlock<const double> time(state.bindings[kTimeBinding].data);
   LockedBlock<const double> censor(censored ? state.bindings[kCensorBinding].data : 0);
   LockedBlock<const int32_t> counts(state.bindings[kGroupCountsBinding].data);
   const SurvivalSample sample{order.get(), time.get(), censor.get(), counts.get(), groups};
-  const GroupTestSums sums{logrankScore.get(), wilcoxonScore.get(), logrankCovariance.get(),
-                           wilcoxonCovariance.get()};
-  AccumulateGroupTestsSweep(
-      sample,
-      {position.get(), end.get(), nextTime.get(), failures.get(), atRisk.get(), active.get()},
-      sums);
+  const GroupTestSums sums{logrankScore, wilcoxonScore, logrankCovariance, wilcoxonCovariance};
+  AccumulateGroupTests(sample, {entries.get(), lists.get()}, sums);
   const double degrees = static_cast<double>(groups - 1);
   auto pValue = [degrees](double chiSquare) {
     return chiSquare == kMissingValue ? kMissingValue : 1.0 - ChiSquareCdf(chiSquare, degrees);
   };
-  const double logrank = GroupChiSquare(logrankCovariance.get(), logrankScore.get(), groups,
-                                        matrix.get(), inverse.get());
+  const double logrank =
+      GroupChiSquare(logrankCovariance, logrankScore, groups, matrix, solution, permutation);
   Set(state, kLogrankChiSquare, logrank);
   Set(state, kLogrankPValue, pValue(logrank));
-  const double wilcoxon = GroupChiSquare(wilcoxonCovariance.get(), wilcoxonScore.get(), groups,
-                                         matrix.get(), inverse.get());
+  const double wilcoxon =
+      GroupChiSquare(wilcoxonCovariance, wilcoxonScore, groups, matrix, solution, permutation);
   Set(state, kWilcoxonChiSquare, wilcoxon);
   Set(state, kWilcoxonPValue, pValue(wilcoxon));
   return 1;

@@ -75,11 +75,16 @@ TEST_F(ExchangeTest, FailedSaveShowsMessageFocusesFieldAndKeepsDialogOpen) {
            {DialogAction::SetText(116, "1.5x"), DialogAction::Press(kIdOk),
             DialogAction::SetText(116, "100"), DialogAction::Press(kIdOk),
             DialogAction::SetText(116, "99.9999"), DialogAction::SetText(117, "1001"),
-            DialogAction::Press(kIdOk), DialogAction::SetText(117, "1000"),
-            DialogAction::Press(kIdOk)}}});
+            DialogAction::Press(kIdOk),
+            // Whole numbers beyond the int range are range faults too.
+            DialogAction::SetText(117, "12345678901234567890"), DialogAction::Press(kIdOk),
+            DialogAction::SetText(117, "-99999999999"), DialogAction::Press(kIdOk),
+            DialogAction::SetText(117, "1000"), DialogAction::Press(kIdOk)}}});
   EXPECT_EQ(dialog.DoModal(), kIdOk);
   const auto& boxes = WinMessageBoxLog();
-  ASSERT_EQ(boxes.size(), 3u);
+  ASSERT_EQ(boxes.size(), 5u);
+  EXPECT_EQ(boxes[3].text, "Please enter a whole number between 2 and 1000.");
+  EXPECT_EQ(boxes[4].text, "Please enter a whole number between 2 and 1000.");
   EXPECT_EQ(boxes[0].text, "Please enter a number.");
   EXPECT_EQ(boxes[1].text, "Please enter a number between 0.0001 and 99.9999.");
   EXPECT_EQ(boxes[2].text, "Please enter a whole number between 2 and 1000.");

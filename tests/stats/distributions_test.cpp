@@ -41,17 +41,17 @@ struct Case {
   double p0, p1, p2, x;
 };
 constexpr Case kCases[] = {
-    {__LINE__, kDistExponential, 2, 0, 0, 1.5},  {__LINE__, kDistExtremeValue, 1, 2, 0, 0.5},
-    {__LINE__, kDistLognormal, 3, 1.5, 0, 2.5},  {__LINE__, kDistNormal, 1, 2, 0, 2.2},
-    {__LINE__, kDistWeibull, 1.7, 2, 0.5, 2.1},  {__LINE__, kDistPoisson, 3.5, 0, 0, 4},
-    {__LINE__, kDistBeta, 2.5, 3.5, 0, 0.3},     {__LINE__, kDistChiSquare, 5, 0, 0, 4.2},
-    {__LINE__, kDistErlang, 3, 0.5, 0, 4.5},     {__LINE__, kDistBernoulli, 0.3, 0, 0, 1},
-    {__LINE__, kDistBinomial, 0.35, 12, 0, 5},   {__LINE__, kDistF, 6, 12, 0, 1.3},
-    {__LINE__, kDistGamma, 2.5, 1.5, 0, 1.2},    {__LINE__, kDistLaplace, 1, 2, 0, 1.4},
-    {__LINE__, kDistLogistic, 1, 2, 0, 2.5},     {__LINE__, kDistDiscreteUniform, 2, 9, 0, 5},
-    {__LINE__, kDistGeometric, 0.3, 0, 0, 3},    {__LINE__, kDistStudentT, 7, 0, 0, 1.1},
-    {__LINE__, kDistPareto, 2.5, 0, 0, 1.7},     {__LINE__, kDistTriangular, 1, 2, 4, 2.6},
-    {__LINE__, kDistUniform, -1, 3, 0, 0.5},     {__LINE__, kDistNegativeBinomial, 0.4, 3, 0, 6},
+    {__LINE__, kDistExponential, 2, 0, 0, 1.5}, {__LINE__, kDistExtremeValue, 1, 2, 0, 0.5},
+    {__LINE__, kDistLognormal, 3, 1.5, 0, 2.5}, {__LINE__, kDistNormal, 1, 2, 0, 2.2},
+    {__LINE__, kDistWeibull, 1.7, 2, 0.5, 2.1}, {__LINE__, kDistPoisson, 3.5, 0, 0, 4},
+    {__LINE__, kDistBeta, 2.5, 3.5, 0, 0.3},    {__LINE__, kDistChiSquare, 5, 0, 0, 4.2},
+    {__LINE__, kDistErlang, 3, 0.5, 0, 4.5},    {__LINE__, kDistBernoulli, 0.3, 0, 0, 1},
+    {__LINE__, kDistBinomial, 0.35, 12, 0, 5},  {__LINE__, kDistF, 6, 12, 0, 1.3},
+    {__LINE__, kDistGamma, 2.5, 1.5, 0, 1.2},   {__LINE__, kDistLaplace, 1, 2, 0, 1.4},
+    {__LINE__, kDistLogistic, 1, 2, 0, 2.5},    {__LINE__, kDistDiscreteUniform, 2, 9, 0, 5},
+    {__LINE__, kDistGeometric, 0.3, 0, 0, 3},   {__LINE__, kDistStudentT, 7, 0, 0, 1.1},
+    {__LINE__, kDistPareto, 2.5, 0, 0, 1.7},    {__LINE__, kDistTriangular, 1, 2, 4, 2.6},
+    {__LINE__, kDistUniform, -1, 3, 0, 0.5},    {__LINE__, kDistNegativeBinomial, 0.4, 3, 0, 6},
 };
 
 // Boost's density (or mass) for the same parameters. The Extreme Value here is
@@ -59,31 +59,51 @@ constexpr Case kCases[] = {
 double ReferenceDensity(const Case& c) {
   const double x = c.x;
   switch (c.id) {
-    case kDistExponential: return bm::pdf(bm::exponential(1 / c.p0), x);
-    case kDistExtremeValue: return bm::pdf(bm::extreme_value(-c.p0, c.p1), -x);
+    case kDistExponential:
+      return bm::pdf(bm::exponential(1 / c.p0), x);
+    case kDistExtremeValue:
+      return bm::pdf(bm::extreme_value(-c.p0, c.p1), -x);
     case kDistLognormal: {
       const double s2 = std::log1p(c.p1 * c.p1 / (c.p0 * c.p0));
       return bm::pdf(bm::lognormal(std::log(c.p0) - s2 / 2, std::sqrt(s2)), x);
     }
-    case kDistNormal: return bm::pdf(bm::normal(c.p0, c.p1), x);
-    case kDistWeibull: return bm::pdf(bm::weibull(c.p0, c.p1), x - c.p2);
-    case kDistPoisson: return bm::pdf(bm::poisson(c.p0), x);
-    case kDistBeta: return bm::pdf(bm::beta_distribution<>(c.p0, c.p1), x);
-    case kDistChiSquare: return bm::pdf(bm::chi_squared(c.p0), x);
+    case kDistNormal:
+      return bm::pdf(bm::normal(c.p0, c.p1), x);
+    case kDistWeibull:
+      return bm::pdf(bm::weibull(c.p0, c.p1), x - c.p2);
+    case kDistPoisson:
+      return bm::pdf(bm::poisson(c.p0), x);
+    case kDistBeta:
+      return bm::pdf(bm::beta_distribution<>(c.p0, c.p1), x);
+    case kDistChiSquare:
+      return bm::pdf(bm::chi_squared(c.p0), x);
     case kDistErlang:
-    case kDistGamma: return bm::pdf(bm::gamma_distribution<>(c.p0, 1 / c.p1), x);
-    case kDistBernoulli: return bm::pdf(bm::bernoulli(c.p0), x);
-    case kDistBinomial: return bm::pdf(bm::binomial(c.p1, c.p0), x);
-    case kDistF: return bm::pdf(bm::fisher_f(c.p0, c.p1), x);
-    case kDistLaplace: return bm::pdf(bm::laplace(c.p0, 1 / c.p1), x);
-    case kDistLogistic: return bm::pdf(bm::logistic(c.p0, c.p1 * kLogisticScale), x);
-    case kDistDiscreteUniform: return 1 / (c.p1 - c.p0 + 1);
-    case kDistGeometric: return bm::pdf(bm::geometric(c.p0), x);
-    case kDistStudentT: return bm::pdf(bm::students_t(c.p0), x);
-    case kDistPareto: return bm::pdf(bm::pareto(1, c.p0), x);
-    case kDistTriangular: return bm::pdf(bm::triangular(c.p0, c.p1, c.p2), x);
-    case kDistUniform: return bm::pdf(bm::uniform(c.p0, c.p1), x);
-    case kDistNegativeBinomial: return bm::pdf(bm::negative_binomial(c.p1, c.p0), x - c.p1);
+    case kDistGamma:
+      return bm::pdf(bm::gamma_distribution<>(c.p0, 1 / c.p1), x);
+    case kDistBernoulli:
+      return bm::pdf(bm::bernoulli(c.p0), x);
+    case kDistBinomial:
+      return bm::pdf(bm::binomial(c.p1, c.p0), x);
+    case kDistF:
+      return bm::pdf(bm::fisher_f(c.p0, c.p1), x);
+    case kDistLaplace:
+      return bm::pdf(bm::laplace(c.p0, 1 / c.p1), x);
+    case kDistLogistic:
+      return bm::pdf(bm::logistic(c.p0, c.p1 * kLogisticScale), x);
+    case kDistDiscreteUniform:
+      return 1 / (c.p1 - c.p0 + 1);
+    case kDistGeometric:
+      return bm::pdf(bm::geometric(c.p0), x);
+    case kDistStudentT:
+      return bm::pdf(bm::students_t(c.p0), x);
+    case kDistPareto:
+      return bm::pdf(bm::pareto(1, c.p0), x);
+    case kDistTriangular:
+      return bm::pdf(bm::triangular(c.p0, c.p1, c.p2), x);
+    case kDistUniform:
+      return bm::pdf(bm::uniform(c.p0, c.p1), x);
+    case kDistNegativeBinomial:
+      return bm::pdf(bm::negative_binomial(c.p1, c.p0), x - c.p1);
   }
   return std::numeric_limits<double>::quiet_NaN();
 }
@@ -163,14 +183,14 @@ TEST(DistributionInverse, LimitsAtZeroAndOne) {
     double p, expected;
   };
   const Row kRows[] = {
-      {__LINE__, kDistNormal, 1, kMissingValue},     {__LINE__, kDistPoisson, 1, kMissingValue},
-      {__LINE__, kDistBernoulli, 1, 1.0},            {__LINE__, kDistBinomial, 1, 12},
-      {__LINE__, kDistDiscreteUniform, 1, 9},        {__LINE__, kDistUniform, 1, 3},
-      {__LINE__, kDistTriangular, 1, 4},             {__LINE__, kDistExtremeValue, 0, 0.0},
-      {__LINE__, kDistLognormal, 0, 0.0},            {__LINE__, kDistPareto, 0, 0.0},
-      {__LINE__, kDistExponential, 0, 0.0},          {__LINE__, kDistWeibull, 0, 0.5},
-      {__LINE__, kDistNormal, 0, kMissingValue},     {__LINE__, kDistPoisson, 0, kMissingValue},
-      {__LINE__, kDistTriangular, -0.5, 1},          {__LINE__, kDistUniform, -0.5, -1},
+      {__LINE__, kDistNormal, 1, kMissingValue}, {__LINE__, kDistPoisson, 1, kMissingValue},
+      {__LINE__, kDistBernoulli, 1, 1.0},        {__LINE__, kDistBinomial, 1, 12},
+      {__LINE__, kDistDiscreteUniform, 1, 9},    {__LINE__, kDistUniform, 1, 3},
+      {__LINE__, kDistTriangular, 1, 4},         {__LINE__, kDistExtremeValue, 0, 0.0},
+      {__LINE__, kDistLognormal, 0, 0.0},        {__LINE__, kDistPareto, 0, 0.0},
+      {__LINE__, kDistExponential, 0, 0.0},      {__LINE__, kDistWeibull, 0, 0.5},
+      {__LINE__, kDistNormal, 0, kMissingValue}, {__LINE__, kDistPoisson, 0, kMissingValue},
+      {__LINE__, kDistTriangular, -0.5, 1},      {__LINE__, kDistUniform, -0.5, -1},
       {__LINE__, kDistTriangular, 1.0 / 3, 2},  // the second branch gives the mode
   };
   for (const Row& row : kRows) {
@@ -190,19 +210,32 @@ TEST(DistributionDensity, SupportRules) {
   };
   constexpr double M = kMissingValue;
   const Row kRows[] = {
-      {__LINE__, kDistExponential, 2, 0, 0, -0.1, M},   {__LINE__, kDistLognormal, 3, 1, 0, 0, 0.0},
-      {__LINE__, kDistLognormal, 3, 1, 0, -1, M},       {__LINE__, kDistWeibull, 2, 1, 1, 1, 0.0},
-      {__LINE__, kDistWeibull, 1, 4, 1, 1, 0.25},       {__LINE__, kDistWeibull, 0.5, 4, 1, 1, M},
-      {__LINE__, kDistWeibull, 2, 1, 1, 0.5, M},        {__LINE__, kDistBeta, 2, 3, 0, 1.01, M},
-      {__LINE__, kDistChiSquare, 3, 0, 0, -1, M},       {__LINE__, kDistErlang, 1, 0.5, 0, 0, 0.5},
-      {__LINE__, kDistErlang, 2, 0.5, 0, 0, 0.0},       {__LINE__, kDistBernoulli, 0.3, 0, 0, 0.5, 0.7},
-      {__LINE__, kDistBernoulli, 0.3, 0, 0, 1.9, 0.3},  {__LINE__, kDistBernoulli, 0.3, 0, 0, 2, M},
-      {__LINE__, kDistBinomial, 0.3, 5, 0, 6, M},       {__LINE__, kDistF, 4, 6, 0, -1, M},
-      {__LINE__, kDistGamma, 0.5, 2, 0, 0, M},          {__LINE__, kDistGamma, 1, 2, 0, 0, 2},
-      {__LINE__, kDistGamma, 1.5, 2, 0, 0, 0.0},        {__LINE__, kDistDiscreteUniform, 2, 5, 0, 6, M},
-      {__LINE__, kDistPareto, 2, 0, 0, 0.99, M},        {__LINE__, kDistTriangular, 0, 1, 2, 2.5, M},
-      {__LINE__, kDistUniform, 0, 1, 0, 1.5, M},        {__LINE__, kDistNegativeBinomial, 0.5, 3, 0, 2, M},
-      {__LINE__, kDistExtremeValue, 0, 1, 0, 250, 0.0}, {__LINE__, kDistExtremeValue, 0, 1, 0, 6, 0.0},
+      {__LINE__, kDistExponential, 2, 0, 0, -0.1, M},
+      {__LINE__, kDistLognormal, 3, 1, 0, 0, 0.0},
+      {__LINE__, kDistLognormal, 3, 1, 0, -1, M},
+      {__LINE__, kDistWeibull, 2, 1, 1, 1, 0.0},
+      {__LINE__, kDistWeibull, 1, 4, 1, 1, 0.25},
+      {__LINE__, kDistWeibull, 0.5, 4, 1, 1, M},
+      {__LINE__, kDistWeibull, 2, 1, 1, 0.5, M},
+      {__LINE__, kDistBeta, 2, 3, 0, 1.01, M},
+      {__LINE__, kDistChiSquare, 3, 0, 0, -1, M},
+      {__LINE__, kDistErlang, 1, 0.5, 0, 0, 0.5},
+      {__LINE__, kDistErlang, 2, 0.5, 0, 0, 0.0},
+      {__LINE__, kDistBernoulli, 0.3, 0, 0, 0.5, 0.7},
+      {__LINE__, kDistBernoulli, 0.3, 0, 0, 1.9, 0.3},
+      {__LINE__, kDistBernoulli, 0.3, 0, 0, 2, M},
+      {__LINE__, kDistBinomial, 0.3, 5, 0, 6, M},
+      {__LINE__, kDistF, 4, 6, 0, -1, M},
+      {__LINE__, kDistGamma, 0.5, 2, 0, 0, M},
+      {__LINE__, kDistGamma, 1, 2, 0, 0, 2},
+      {__LINE__, kDistGamma, 1.5, 2, 0, 0, 0.0},
+      {__LINE__, kDistDiscreteUniform, 2, 5, 0, 6, M},
+      {__LINE__, kDistPareto, 2, 0, 0, 0.99, M},
+      {__LINE__, kDistTriangular, 0, 1, 2, 2.5, M},
+      {__LINE__, kDistUniform, 0, 1, 0, 1.5, M},
+      {__LINE__, kDistNegativeBinomial, 0.5, 3, 0, 2, M},
+      {__LINE__, kDistExtremeValue, 0, 1, 0, 250, 0.0},
+      {__LINE__, kDistExtremeValue, 0, 1, 0, 6, 0.0},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
@@ -294,8 +327,87 @@ TEST(DistributionInverse, SearchesThatCannotReachPEnd) {
   // Searches that do end are unchanged: a Poisson mean of 150 is found.
   const DistributionParameters big = Prepared(kDistPoisson, 150);
   const double median = Inverse(kDistPoisson, big, 0.5);
-  using RoundUp = bm::policies::policy<bm::policies::discrete_quantile<bm::policies::integer_round_up>>;
+  using RoundUp =
+      bm::policies::policy<bm::policies::discrete_quantile<bm::policies::integer_round_up>>;
   EXPECT_EQ(median, bm::quantile(bm::poisson_distribution<double, RoundUp>(150), 0.5));
+}
+
+// Inputs that once ran without end or gave NaN: each now ends at once with
+// SilentAbort, MissingValue or a finite number.
+TEST(Distributions, OutOfDomainEndsAtOnce) {
+  constexpr double kThrows = 1.5e300;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  enum Op { kPdf, kCdf, kInv };
+  struct Row {
+    int line;
+    int32_t id;
+    double p0, p1;
+    Op op;
+    double x, expected;
+  };
+  const Row kRows[] = {
+      {__LINE__, kDistPoisson, 3, 0, kPdf, -1e308, kThrows},  // LogGamma at a pole
+      {__LINE__, kDistPoisson, 1000, 0, kCdf, 900, 0.0},      // exp(-p0) held at 0
+      {__LINE__, kDistErlang, 1e15, 1, kCdf, 2, 0.0},         // all of e^2 summed
+      {__LINE__, kDistErlang, 3, 1, kCdf, 1e308, kThrows},    // 0 times an infinite sum
+      {__LINE__, kDistBinomial, 0.5, 1e300, kCdf, 1e300, kThrows},
+      {__LINE__, kDistNegativeBinomial, 1e-12, 2, kCdf, 1e300, kThrows},
+      {__LINE__, kDistGeometric, 1e-16, 0, kInv, 0.999, kThrows},  // past 2^53
+      {__LINE__, kDistDiscreteUniform, -1e308, 1e308, kInv, 0.5, kThrows},
+      {__LINE__, kDistNormal, 0, 1, kCdf, nan, kThrows},
+      {__LINE__, kDistPoisson, nan, 0, kInv, 0.5, kThrows},
+      {__LINE__, kDistUniform, 0, 1, kInv, nan, kThrows},
+      {__LINE__, kDistBeta, 0.5, 2, kPdf, 0, kMissingValue},  // infinite at the end point
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    const auto call = [&] {
+      const DistributionParameters q = Prepared(r.id, r.p0, r.p1);
+      return r.op == kPdf   ? Density(r.id, q, r.x)
+             : r.op == kCdf ? Cdf(r.id, q, r.x)
+                            : Inverse(r.id, q, r.x);
+    };
+    if (r.expected == kThrows) {
+      EXPECT_THROW(call(), SilentAbort);
+    } else {
+      EXPECT_NEAR(call(), r.expected, 1e-12);
+    }
+  }
+}
+
+// The discrete inverse is the smallest count whose cumulative reaches p, and
+// the Binomial cumulative the plain running sum of the masses, however the
+// search and the sum cut their work short.
+TEST(Distributions, ShortcutsKeepThePlainSearchAndSum) {
+  struct Row {
+    int line;
+    int32_t id;
+    double p0, p1;
+  };
+  constexpr Row kRows[] = {
+      {__LINE__, kDistGeometric, 0.3, 0},          {__LINE__, kDistGeometric, 0.001, 0},
+      {__LINE__, kDistDiscreteUniform, 2, 9},      {__LINE__, kDistDiscreteUniform, -3.5, 1e4},
+      {__LINE__, kDistDiscreteUniform, 0.25, 0.5}, {__LINE__, kDistBinomial, 0.35, 12},
+      {__LINE__, kDistBinomial, 0.999, 300},       {__LINE__, kDistBinomial, 0.01, 1000},
+  };
+  constexpr double kProbabilities[] = {1e-9, 0.01, 0.3, 0.5, 0.77, 0.999, 1 - 1e-12};
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    const DistributionParameters q = Prepared(r.id, r.p0, r.p1);
+    for (double p : kProbabilities) {
+      double x = 0;
+      while (!(Cdf(r.id, q, x) >= p)) x = x + 1;
+      EXPECT_EQ(Inverse(r.id, q, p), x) << "p = " << p;
+    }
+    if (r.id != kDistBinomial) continue;
+    double sum = 0;
+    for (double k = 0; k <= r.p1; ++k) {
+      sum = sum + Density(r.id, q, k);
+      if (std::fmod(k, 97) == 0 || k == r.p1) {
+        EXPECT_EQ(Cdf(r.id, q, k), sum) << "k = " << k;
+      }
+    }
+  }
 }
 
 }  // namespace

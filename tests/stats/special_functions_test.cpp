@@ -13,6 +13,8 @@
 #include <boost/math/special_functions/beta.hpp>
 #include <boost/math/special_functions/gamma.hpp>
 #include <cmath>
+#include <iterator>
+#include <limits>
 
 #include "frame/host_records.h"
 
@@ -113,14 +115,15 @@ TEST(StudentCdf, AgainstBoost) {
     int line;
     double df, tolerance;
   };
-  constexpr Row kRows[] = {{__LINE__, 1, 3e-7},    {__LINE__, 2, 2e-7},  {__LINE__, 3, 3e-7},
-                           {__LINE__, 4, 8e-7},    {__LINE__, 7, 3e-7},  {__LINE__, 10, 1e-8},
+  constexpr Row kRows[] = {{__LINE__, 1, 3e-7},    {__LINE__, 2, 2e-7},    {__LINE__, 3, 3e-7},
+                           {__LINE__, 4, 8e-7},    {__LINE__, 7, 3e-7},    {__LINE__, 10, 1e-8},
                            {__LINE__, 100, 1e-12}, {__LINE__, 1000, 2e-12}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::students_t t(r.df);
-    EXPECT_LT(WorstError(-20, 20, 0.01, [&](double x) { return StudentCdf(x, r.df); },
-                         [&](double x) { return bm::cdf(t, x); }),
+    EXPECT_LT(WorstError(
+                  -20, 20, 0.01, [&](double x) { return StudentCdf(x, r.df); },
+                  [&](double x) { return bm::cdf(t, x); }),
               r.tolerance);
   }
 }
@@ -149,14 +152,15 @@ TEST(StudentQuantile, AgainstBoost) {
     int line;
     double df, tolerance;
   };
-  constexpr Row kRows[] = {{__LINE__, 1, 4e-9},    {__LINE__, 2, 1e-13}, {__LINE__, 3, 1.6e-5},
-                           {__LINE__, 5, 6e-6},    {__LINE__, 10, 3e-6}, {__LINE__, 100, 3e-6},
+  constexpr Row kRows[] = {{__LINE__, 1, 4e-9},   {__LINE__, 2, 1e-13}, {__LINE__, 3, 1.6e-5},
+                           {__LINE__, 5, 6e-6},   {__LINE__, 10, 3e-6}, {__LINE__, 100, 3e-6},
                            {__LINE__, 1000, 3e-6}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::students_t t(r.df);
-    EXPECT_LT(WorstError(0.001, 0.999, 0.001, [&](double p) { return StudentQuantile(p, r.df); },
-                         [&](double p) { return bm::quantile(t, p); }, true),
+    EXPECT_LT(WorstError(
+                  0.001, 0.999, 0.001, [&](double p) { return StudentQuantile(p, r.df); },
+                  [&](double p) { return bm::quantile(t, p); }, true),
               r.tolerance);
   }
 }
@@ -177,10 +181,11 @@ TEST(GammaFunction, AgainstBoost) {
   // Measured error relative to max(1, Gamma): 2.4e-7 on (0, 2] (the
   // polynomial), 3.1e-4 just above 2, where Stirling's series starts at
   // y = x - 1 near 1; LogGamma is within 6.8e-9 from 10 to 100.
-  EXPECT_LT(WorstError(0.01, 2, 0.01, GammaFunction, [](double x) { return bm::tgamma(x); }, true),
+  EXPECT_LT(WorstError(
+                0.01, 2, 0.01, GammaFunction, [](double x) { return bm::tgamma(x); }, true),
             2.5e-7);
-  EXPECT_LT(WorstError(2.001, 10, 0.01, GammaFunction, [](double x) { return bm::tgamma(x); },
-                       true),
+  EXPECT_LT(WorstError(
+                2.001, 10, 0.01, GammaFunction, [](double x) { return bm::tgamma(x); }, true),
             3.1e-4);
   EXPECT_LT(WorstError(10, 100, 0.1, LogGamma, [](double x) { return bm::lgamma(x); }), 7e-9);
 }
@@ -218,9 +223,10 @@ TEST(IncompleteBeta, AgainstBoost) {
   double worst = 0;
   for (double a : kShapes)
     for (double b : kShapes)
-      worst = std::max(worst, WorstError(0.005, 0.995, 0.005,
-                                         [&](double x) { return IncompleteBeta(x, a, b); },
-                                         [&](double x) { return bm::ibeta(a, b, x); }));
+      worst = std::max(worst,
+                       WorstError(
+                           0.005, 0.995, 0.005, [&](double x) { return IncompleteBeta(x, a, b); },
+                           [&](double x) { return bm::ibeta(a, b, x); }));
   EXPECT_LT(worst, 1.3e-5);
 }
 
@@ -249,14 +255,15 @@ TEST(ChiSquareCdf, AgainstBoost) {
     int line;
     double df, tolerance;
   };
-  constexpr Row kRows[] = {{__LINE__, 1, 3.8e-6},  {__LINE__, 2, 1e-15},   {__LINE__, 3, 3.8e-6},
-                           {__LINE__, 5, 1.5e-7},  {__LINE__, 10, 3.1e-7}, {__LINE__, 25, 1.5e-7},
-                           {__LINE__, 99, 1e-8},   {__LINE__, 100, 1.2e-4}, {__LINE__, 500, 2.4e-5}};
+  constexpr Row kRows[] = {{__LINE__, 1, 3.8e-6}, {__LINE__, 2, 1e-15},    {__LINE__, 3, 3.8e-6},
+                           {__LINE__, 5, 1.5e-7}, {__LINE__, 10, 3.1e-7},  {__LINE__, 25, 1.5e-7},
+                           {__LINE__, 99, 1e-8},  {__LINE__, 100, 1.2e-4}, {__LINE__, 500, 2.4e-5}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::chi_squared c(r.df);
-    EXPECT_LT(WorstError(0.01, 3 * r.df + 40, 0.01, [&](double x) { return ChiSquareCdf(x, r.df); },
-                         [&](double x) { return bm::cdf(c, x); }),
+    EXPECT_LT(WorstError(
+                  0.01, 3 * r.df + 40, 0.01, [&](double x) { return ChiSquareCdf(x, r.df); },
+                  [&](double x) { return bm::cdf(c, x); }),
               r.tolerance);
   }
 }
@@ -272,7 +279,7 @@ TEST(ChiSquareQuantile, StartsAndSearch) {
     int line;
     double p, df;
   };
-  constexpr Row kRows[] = {{__LINE__, 0.05, 1}, {__LINE__, 0.5, 3},  {__LINE__, 0.95, 4},
+  constexpr Row kRows[] = {{__LINE__, 0.05, 1}, {__LINE__, 0.5, 3},    {__LINE__, 0.95, 4},
                            {__LINE__, 0.99, 9}, {__LINE__, 0.001, 30}, {__LINE__, 0.9, 99}};
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
@@ -292,9 +299,9 @@ TEST(FQuantile, AgainstBoost) {
     double p, df1, df2, tolerance;
   };
   constexpr Row kRows[] = {
-      {__LINE__, 0.95, 1, 10, 5e-6},     {__LINE__, 0.95, 5, 1, 5e-5},
-      {__LINE__, 0.95, 5, 10, 4e-8},     {__LINE__, 0.05, 5, 10, 6e-6},
-      {__LINE__, 0.99, 10, 30, 5e-8},    {__LINE__, 0.99, 2, 30, 0.062},
+      {__LINE__, 0.95, 1, 10, 5e-6},      {__LINE__, 0.95, 5, 1, 5e-5},
+      {__LINE__, 0.95, 5, 10, 4e-8},      {__LINE__, 0.05, 5, 10, 6e-6},
+      {__LINE__, 0.99, 10, 30, 5e-8},     {__LINE__, 0.99, 2, 30, 0.062},
       {__LINE__, 0.99, 600, 600, 0.0125}, {__LINE__, 0.99, 600, 10, 0.0046},
       {__LINE__, 0.99, 10, 600, 0.0127},
   };
@@ -327,13 +334,110 @@ TEST(BetaQuantile, AgainstBoost) {
     double p, a, b, tolerance;
   };
   constexpr Row kRows[] = {
-      {__LINE__, 0.5, 2, 3, 4e-7},        {__LINE__, 0.05, 5, 10, 1e-9},
-      {__LINE__, 0.95, 1.5, 1.5, 2e-8},   {__LINE__, 0.995, 1.5, 10, 1.4e-4},
-      {__LINE__, 0.995, 0.5, 10, 0.154},  {__LINE__, 0.005, 10, 1, 0.011},
+      {__LINE__, 0.5, 2, 3, 4e-7},       {__LINE__, 0.05, 5, 10, 1e-9},
+      {__LINE__, 0.95, 1.5, 1.5, 2e-8},  {__LINE__, 0.995, 1.5, 10, 1.4e-4},
+      {__LINE__, 0.995, 0.5, 10, 0.154}, {__LINE__, 0.005, 10, 1, 0.011},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     EXPECT_NEAR(BetaQuantile(r.p, r.a, r.b), bm::ibeta_inv(r.a, r.b, r.p), r.tolerance);
+  }
+}
+
+}  // namespace
+}  // namespace zv
+
+namespace zv {
+namespace {
+
+// Poles, shapes and degrees of freedom outside the domain, and the ends of
+// the quantiles: MissingValue, SilentAbort or the reserved values, at once.
+TEST(SpecialFunctions, OutOfDomainEndsAtOnce) {
+  constexpr double kThrows = 1.5e300;  // marks an expected SilentAbort
+  struct Row {
+    int line;
+    double (*call)(double, double, double);
+    double a, b, c, expected;
+  };
+  const Row kRows[] = {
+      {__LINE__, [](double a, double, double) { return GammaFunction(a); }, -1e308, 0, 0,
+       kMissingValue},
+      {__LINE__, [](double a, double, double) { return GammaFunction(a); }, -3, 0, 0,
+       kMissingValue},
+      {__LINE__, [](double a, double, double) { return GammaFunction(a); }, -400.5, 0, 0, 0.0},
+      {__LINE__, [](double a, double b, double c) { return IncompleteBeta(a, b, c); }, 0.5, 2, 0,
+       kThrows},
+      {__LINE__, [](double a, double b, double) { return ChiSquareCdf(a, b); }, 1, -1e15 + 1, 0,
+       kThrows},
+      {__LINE__, [](double a, double b, double) { return ChiSquareQuantile(a, b); }, 0.5, 0, 0,
+       kThrows},
+      {__LINE__, [](double a, double b, double) { return StudentQuantile(a, b); }, 1, 5, 0,
+       kNormalQuantileInfinity},
+      {__LINE__, [](double a, double b, double) { return StudentQuantile(a, b); }, 0, 1, 0,
+       -kNormalQuantileInfinity},
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    if (r.expected == kThrows) {
+      EXPECT_THROW(r.call(r.a, r.b, r.c), SilentAbort);
+    } else {
+      EXPECT_EQ(r.call(r.a, r.b, r.c), r.expected);
+    }
+  }
+  // ln Gamma(1e-320) = 736.8... although Gamma itself overflows.
+  EXPECT_NEAR(LogGamma(1e-320), bm::lgamma(1e-320), 1e-9);
+}
+
+// Every function over a grid of extreme arguments: a finite number or
+// SilentAbort, never a NaN or an infinity, and never a loop without end (the
+// grid holds the inputs that once ran for minutes or printed nan and inf:
+// LogGamma(-1e15), IncompleteBeta(0.5, 1e308, 1e308), FQuantile(0.5, 1e308,
+// 1e308), GammaFunction(4.9e-324), ...).
+TEST(SpecialFunctions, ExtremeArgumentsGiveNumbersOrAbort) {
+  const double inf = std::numeric_limits<double>::infinity();
+  const double kValues[] = {std::numeric_limits<double>::quiet_NaN(),
+                            -inf,
+                            -1e308,
+                            -1e15,
+                            -2.5,
+                            -1,
+                            0,
+                            4.9e-324,
+                            1e-300,
+                            0.5,
+                            1,
+                            2.5,
+                            7.5,
+                            150,
+                            1e15,
+                            1e308,
+                            inf};
+  double (*const kCalls[])(double, double, double) = {
+      [](double a, double, double) { return NormalCdf(a); },
+      [](double a, double, double) { return NormalQuantile(a); },
+      [](double a, double b, double) { return StudentCdf(a, b); },
+      [](double a, double b, double) { return StudentQuantile(a, b); },
+      [](double a, double, double) { return GammaFunction(a); },
+      [](double a, double, double) { return LogGamma(a); },
+      [](double a, double b, double c) { return IncompleteBeta(a, b, c); },
+      [](double a, double b, double) { return ChiSquareCdf(a, b); },
+      [](double a, double b, double) { return ChiSquareQuantile(a, b); },
+      [](double a, double b, double c) { return FQuantile(a, b, c); },
+      [](double a, double b, double c) { return BetaQuantile(a, b, c); },
+  };
+  for (size_t f = 0; f < std::size(kCalls); ++f) {
+    for (double a : kValues) {
+      for (double b : kValues) {
+        for (double c : kValues) {
+          try {
+            const double v = kCalls[f](a, b, c);
+            EXPECT_TRUE(std::isfinite(v))
+                << "function " << f << " at " << a << ", " << b << ", " << c;
+          } catch (const SilentAbort&) {
+          }
+        }
+      }
+    }
   }
 }
 
