@@ -30,13 +30,19 @@ std::string FormatString(int32_t stringNumber, T value) {
 
 int32_t StatusString(int32_t status) {
   switch (status) {
-    case 1: return 1005;
+    case 1:
+      return 1005;
     case 2:
-    case 1004: return 1004;
-    case 3: return 3023;
-    case 1042: return 1042;
-    case 4: return 3903;
-    default: return 1025;
+    case 1004:
+      return 1004;
+    case 3:
+      return 3023;
+    case 1042:
+      return 1042;
+    case 4:
+      return 3903;
+    default:
+      return 1025;
   }
 }
 
@@ -59,10 +65,21 @@ const VariableDialogLayout kDialog{
     .templateId = 9969,
     .helpId = 42582,
     .caption = nullptr,
-    .fields = {{.control = 116, .arrow = 119, .maxLength = 64, .isList = false,
-                .allowEmpty = false, .allowText = false, .isSelect = false, .binding = 0},
-               {.control = 117, .arrow = 120, .maxLength = 64, .isList = false,
-                .allowEmpty = true, .allowText = false, .isSelect = true,
+    .fields = {{.control = 116,
+                .arrow = 119,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = false,
+                .allowText = false,
+                .isSelect = false,
+                .binding = 0},
+               {.control = 117,
+                .arrow = 120,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = true,
+                .allowText = false,
+                .isSelect = true,
                 .binding = kSelectBinding}},
     .transformControl = 121,
     .expressionDialog = true,
@@ -166,7 +183,6 @@ const FamilyInfo kDotDiagramFamily{
     .firstListCount = 1,
     .secondListCount = 0,
     .lineListEntry = -1,
-    .hasSelect = true,
     .textOptionsMask = 0,
     .graphOptionsMask = 1,
     .setsExtraStale = false,

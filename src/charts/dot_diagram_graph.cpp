@@ -24,8 +24,14 @@ constexpr int32_t kGraphMenu = 0x1917;
 // anything to the axis.
 char AxisTypeOf(const VariableBinding& binding) {
   switch (binding.type) {
-    case 'D': case 'M': case 'Q': case 'T': case 'S': return binding.type;
-    default: return 0;
+    case 'D':
+    case 'M':
+    case 'Q':
+    case 'T':
+    case 'S':
+      return binding.type;
+    default:
+      return 0;
   }
 }
 
@@ -71,7 +77,8 @@ int32_t StackDots(const double* values, const int32_t* order, int32_t n, int32_t
     ++height;
     tallest = std::max(tallest, height);
     if (points) {
-      points->insert(points->end(), {(lower + upper) * 0.5, height + 0.5, static_cast<double>(row)});
+      points->insert(points->end(),
+                     {(lower + upper) * 0.5, height + 0.5, static_cast<double>(row)});
     }
   }
   return tallest;
@@ -124,17 +131,12 @@ class DotOptionsDialog : public WinDialog {
 }  // namespace
 
 int32_t DotDiagramGraphPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t) {
+  const GraphStart graph = StartFamilyGraph(pane, slot, item);
+  if (graph.record == nullptr) return graph.result;
+  const PaneRecord& record = *graph.record;
   ProcedureState& state = StateOf(slot);
-  if (state.status != 0) {
-    BeginGraph(state.keepScales, state.rowCount);
-    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
-    EndGraph(pane, slot);
-    return 1;
-  }
   const VariableBinding& data = state.bindings[0];
   const int32_t classes = Get(state, kDotClasses);
-  state.graphIds[item - kGraphItem] = BeginGraph(state.keepScales, state.rowCount);
-  PaneRecord& record = *gCurrentPane;
   SetAxisAuto(1, data.minimum, data.maximum, AxisTypeOf(data));
 
   // The x axis is settled first, so that the class edges of both passes
@@ -167,7 +169,8 @@ int32_t DotDiagramGraphPane(PaneWindow* pane, int32_t slot, int32_t item, int32_
   GraphLists& lists = CurrentGraphLists();
   lists.pointWidth = 3;
   const int32_t dots = static_cast<int32_t>(points.size() / 3);
-  if (ResizeGraphList(lists.elementTable, 3) && ResizeGraphList(lists.elementPoints, points.size())) {
+  if (ResizeGraphList(lists.elementTable, 3) &&
+      ResizeGraphList(lists.elementPoints, points.size())) {
     lists.elementTable = {dots, 0, 1};
     lists.elementPoints = std::move(points);
   } else {

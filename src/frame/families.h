@@ -19,8 +19,8 @@ struct VariableField {
   int32_t maxLength;  // characters
   bool isList;        // one column name per line (CheckVariableList)
   bool allowEmpty;
-  bool allowText;     // a character column is acceptable
-  bool isSelect;      // the select expression
+  bool allowText;  // a character column is acceptable
+  bool isSelect;   // the select expression
   // Where the text comes back from on reopen: a binding index; for a list
   // field the first binding of the list.
   int32_t binding;
@@ -55,17 +55,16 @@ struct FamilyInfo {
   const char* name;  // "Life2"
   int32_t procedureCode;
   int32_t helpId;
-  int32_t titleString;        // first part of the window title
-  int32_t titleEntry;         // entry text appended after " - ", or -1 for none
+  int32_t titleString;  // first part of the window title
+  int32_t titleEntry;   // entry text appended after " - ", or -1 for none
   int32_t firstListCount;
-  int32_t secondListCount;    // kFromLines: counted from the line list entry
-  int32_t lineListEntry;      // entry index of the line list, or -1
-  bool hasSelect;
+  int32_t secondListCount;  // kFromLines: counted from the line list entry
+  int32_t lineListEntry;    // entry index of the line list, or -1
   int32_t textOptionsMask;
   int32_t graphOptionsMask;
-  bool setsExtraStale;        // Codebook, Rowwise, Custom
-  bool loadsNoColumns;        // Surfplot, Custom: no special variables, no checks
-  bool redoDoesNothing;       // Codebook, Rowwise
+  bool setsExtraStale;   // Codebook, Rowwise, Custom
+  bool loadsNoColumns;   // Surfplot, Custom: no special variables, no checks
+  bool redoDoesNothing;  // Codebook, Rowwise
   std::vector<BeginVariable> variables;
   const VariableDialogLayout* dialog;
 
@@ -88,18 +87,11 @@ struct FamilyInfo {
   void (*interpret)(const ProcedureState& state, int32_t item, std::string& out) = nullptr;
 };
 
-// The rows, defined by each family in its own subsystem.
-extern const FamilyInfo kLife2Family;
-extern const FamilyInfo kLife1Family;
-extern const FamilyInfo kWeibullFamily;
-extern const FamilyInfo kUncensoredFamily;
-extern const FamilyInfo kCensoredFamily;
-extern const FamilyInfo kCodebookFamily;
-extern const FamilyInfo kRowwiseFamily;
-extern const FamilyInfo kBubbleChartFamily;
-extern const FamilyInfo kDotDiagramFamily;
-extern const FamilyInfo kSurfplotFamily;
-extern const FamilyInfo kCustomFamily;
+// The rows, defined by each family in its own subsystem, one for each line
+// of the family list.
+#define ZV_FAMILY(Name, entries) extern const FamilyInfo k##Name##Family;
+#include "frame/family_list.h"
+#undef ZV_FAMILY
 
 // The family of a procedure code; nullptr for an unknown code.
 const FamilyInfo* FamilyOfCode(int32_t procedureCode);

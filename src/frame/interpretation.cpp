@@ -9,10 +9,11 @@
 namespace zv {
 namespace {
 
-// The families built into this module, found by procedure code.
+// The families of the family list, found by procedure code.
 const FamilyInfo* const kFamilies[] = {
-    &kDotDiagramFamily,
-    &kLife2Family,
+#define ZV_FAMILY(Name, entries) &k##Name##Family,
+#include "frame/family_list.h"
+#undef ZV_FAMILY
 };
 
 }  // namespace

@@ -5,7 +5,11 @@
 
 namespace {
 
-__attribute__((constructor)) void OnLoad() { zv::ModuleStart(); }
-__attribute__((destructor)) void OnUnload() { zv::ModuleStop(); }
+__attribute__((constructor)) void OnLoad() {
+  zv::ModuleStart();
+}
+__attribute__((destructor)) void OnUnload() {
+  zv::ModuleStop();
+}
 
 }  // namespace

@@ -108,13 +108,17 @@ void ModuleStop() {
   }
 }
 
-void WaitCursor(int32_t change) { WinWaitCursor(change); }
+void WaitCursor(int32_t change) {
+  WinWaitCursor(change);
+}
 
 }  // namespace zv
 
 using namespace zv;
 
-ZV_API int32_t FilterDllMsg(const WinMsg* message) { return gApp.PreTranslateMessage(message); }
+ZV_API int32_t FilterDllMsg(const WinMsg* message) {
+  return gApp.PreTranslateMessage(message);
+}
 
 ZV_API int32_t ProcessDllIdle() {
   int32_t count = 0;

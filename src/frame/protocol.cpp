@@ -64,7 +64,9 @@ void MarkAllStale(ProcedureState& state, int32_t fromItem) {
 
 }  // namespace
 
-ProcedureState& StateOf(int32_t slot) { return *gStates[slot]; }
+ProcedureState& StateOf(int32_t slot) {
+  return *gStates[slot];
+}
 
 void MarkAnalysisModified() {
   if (gHost != nullptr) VtblOf<HostRecordVtbl>(gHost).MarkModified(gHost, 1);
@@ -74,8 +76,8 @@ void RefreshPanes(ProcedureState& state) {
   VtblOf<ProcedureStateVtbl>(&state).RefreshPanes(&state, 0, 0, 0);
 }
 
-int32_t ProtocolDialog(const FamilyInfo& family, int32_t slot, HostRecord* host,
-                       SheetWindow* sheet, FrameWindow* frame, int32_t reopen) {
+int32_t ProtocolDialog(const FamilyInfo& family, int32_t slot, HostRecord* host, SheetWindow* sheet,
+                       FrameWindow* frame, int32_t reopen) {
   gHost = host;
   gSheetWindow = sheet;
   gFrameWindow = frame;
@@ -125,8 +127,8 @@ int32_t ProtocolBegin(const FamilyInfo& family, int32_t slot) {
   state.graphOptionsMask = family.graphOptionsMask;
   state.orderReady = 0;
   if (!family.loadsNoColumns) LoadSpecialVariables(slot);
-  const bool loaded = ForEachVariable(
-      family, state, [slot](VariableBinding& binding, bool, bool, int32_t) {
+  const bool loaded =
+      ForEachVariable(family, state, [slot](VariableBinding& binding, bool, bool, int32_t) {
         return LoadVariable(slot, &binding) != 0;
       });
   if (!loaded) return 0;

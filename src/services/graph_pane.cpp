@@ -460,6 +460,45 @@ int32_t BeginGraph(int32_t keepScales, int32_t rowCount) {
   return pane->graphId;
 }
 
+GraphStart StartFamilyGraph(PaneWindow* pane, int32_t slot, int32_t item) {
+  ProcedureState& state = *gStates[slot];
+  if (state.status != 0) {
+    BeginGraph(state.keepScales, state.rowCount);
+    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
+    EndGraph(pane, slot);
+    return {nullptr, 1};
+  }
+  const int32_t id = BeginGraph(state.keepScales, state.rowCount);
+  state.graphIds[item - 8] = id;
+  if (id == 0) {
+    EndGraph(pane, slot);
+    return {nullptr, 0};
+  }
+  return {gCurrentPane, 1};
+}
+
+void ElementWriter::Begin(int32_t points, int32_t pen, int32_t symbol) {
+  if (!enabled_) return;
+  if (element_ + 3 > lists_.elementTable.size()) {
+    overflowed_ = true;
+    return;
+  }
+  lists_.elementTable[element_++] = points;
+  lists_.elementTable[element_++] = pen;
+  lists_.elementTable[element_++] = symbol;
+}
+
+void ElementWriter::Point(double x, double y, double id) {
+  if (!enabled_) return;
+  if (point_ + 3 > lists_.elementPoints.size()) {
+    overflowed_ = true;
+    return;
+  }
+  lists_.elementPoints[point_++] = x;
+  lists_.elementPoints[point_++] = y;
+  lists_.elementPoints[point_++] = id;
+}
+
 void AddText(std::string_view text, int32_t kind, double x, double y, double z) {
   GraphScratch& s = gScratch;
   if (text.empty() || !s.active) return;

@@ -103,7 +103,6 @@ const FamilyInfo kLife2Family{
     .firstListCount = 3,
     .secondListCount = 0,
     .lineListEntry = -1,
-    .hasSelect = true,
     .textOptionsMask = 2,
     .graphOptionsMask = 1,
     .setsExtraStale = false,

@@ -2,6 +2,7 @@
 // function (with confidence limits for a single group), the log survival
 // function and the cumulative hazard. Only failures make steps.
 #include <algorithm>
+#include <cassert>
 #include <string>
 
 #include "frame/families.h"
@@ -38,32 +39,6 @@ constexpr PlotKind kKinds[] = {
     {"Estimated Cumulative Hazard Function", "cumulative hazard", 0.0},
 };
 
-// Fills list A in the order the polylines are added, up to the sizes
-// allocated from the exact counts; without lists it only keeps count.
-class PolylineWriter {
- public:
-  PolylineWriter(GraphLists& lists, bool enabled) : lists_(lists), enabled_(enabled) {}
-
-  void Begin(int32_t points, int32_t pen) {
-    if (!enabled_) return;
-    lists_.elementTable[element_++] = points;
-    lists_.elementTable[element_++] = pen;
-    lists_.elementTable[element_++] = 0;
-  }
-  void Point(double x, double y, double id) {
-    if (!enabled_) return;
-    lists_.elementPoints[point_++] = x;
-    lists_.elementPoints[point_++] = y;
-    lists_.elementPoints[point_++] = id;
-  }
-
- private:
-  GraphLists& lists_;
-  bool enabled_;
-  size_t element_ = 0;
-  size_t point_ = 0;
-};
-
 // The y value of a failure row in a plot of `kind`.
 double StepLevel(int32_t kind, double survival, double hazard) {
   if (kind == 0) return survival;
@@ -78,19 +53,14 @@ bool LastRowWithdrawn(const SurvivalGroup& g) {
 }  // namespace
 
 int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind) {
+  const GraphStart graph = StartFamilyGraph(pane, slot, item);
+  if (graph.record == nullptr) return graph.result;
+  PaneRecord& record = *graph.record;
   ProcedureState& state = StateOf(slot);
-  if (state.status != 0) {
-    BeginGraph(state.keepScales, state.rowCount);
-    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
-    EndGraph(pane, slot);
-    return 1;
-  }
   const PlotKind& plot = kKinds[kind];
   const VariableBinding& time = state.bindings[kTimeBinding];
   const int32_t drawn = std::min(Get(state, kGroupCount), kDrawnGroups);
   const bool censored = Get(state, kHasCensoring) != 0;
-  state.graphIds[item - 8] = BeginGraph(state.keepScales, state.rowCount);
-  PaneRecord& record = *gCurrentPane;
 
   LockedBlock<const int32_t> order(state.bindings[kSortOrderBinding].data);
   LockedBlock<const double> times(time.data);
@@ -133,7 +103,7 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
     lists.elementTable.clear();
     lists.elementPoints.clear();
   }
-  PolylineWriter list(lists, haveLists);
+  ElementWriter list(lists, haveLists);
 
   SetAxisAuto(1, 0.0, time.maximum, time.type);
   const double axisEnd = record.scale[0].low + record.scale[0].span;
@@ -165,9 +135,9 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
 
   double leastY = 0.0;
   double greatestY = 0.0;
-  int32_t start = 0;
+  int32_t first = 0;
   for (int32_t g = 0; g < drawn; ++g) {
-    const SurvivalGroup group = groupAt(start, g);
+    const SurvivalGroup group = groupAt(first, g);
     list.Begin(2 + 2 * counts[groups + g], g + 1);
     double level = plot.startLevel;
     list.Point(0.0, level, kLinePoint);
@@ -175,7 +145,7 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
       if (IsWithdrawn(group, k)) continue;
       const double t = times[group.rows[k]];
       list.Point(t, level, kLinePoint);
-      level = StepLevel(kind, survival[start + k], hazard[start + k]);
+      level = StepLevel(kind, survival[first + k], hazard[first + k]);
       list.Point(t, level, kLinePoint);
       if (level != kMissingValue) {
         leastY = std::min(leastY, level);
@@ -185,7 +155,7 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
     const double endX =
         group.count == 0 || !LastRowWithdrawn(group) ? axisEnd : times[group.rows[group.count - 1]];
     list.Point(endX, level, kLinePoint);
-    start += group.count;
+    first += group.count;
   }
 
   if (kind == 0) {
@@ -231,6 +201,8 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
       list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
     }
   }
+
+  assert(!list.overflowed() && "list A was counted short");
 
   // Nothing of the state stays locked while the chart library and the advice
   // library have the state.

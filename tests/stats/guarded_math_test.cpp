@@ -1,10 +1,17 @@
-// The guarded elementary functions: each guard's boundary, on both sides.
+// The guarded elementary functions: each guard's boundary, on both sides, and
+// the promise that no NaN or infinity comes out.
 #include "stats/guarded_math.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 namespace zv {
 namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
 
 TEST(GuardedMath, RaisesOutsideTheDomain) {
   EXPECT_THROW(GuardedPow(-8, 1.0 / 3), SilentAbort);
@@ -13,6 +20,21 @@ TEST(GuardedMath, RaisesOutsideTheDomain) {
   EXPECT_THROW(GuardedLog(0), SilentAbort);
   EXPECT_THROW(GuardedLog(-1), SilentAbort);
   EXPECT_THROW(GuardedLog10(0), SilentAbort);
+}
+
+TEST(GuardedMath, NoNaNOrInfinityComesOut) {
+  EXPECT_THROW(GuardedSqrt(kNaN), SilentAbort);
+  EXPECT_THROW(GuardedSqrt(kInf), SilentAbort);
+  EXPECT_THROW(GuardedExp(kNaN), SilentAbort);
+  EXPECT_THROW(GuardedLog(kNaN), SilentAbort);
+  EXPECT_THROW(GuardedLog(kInf), SilentAbort);
+  EXPECT_THROW(GuardedLog10(kNaN), SilentAbort);
+  EXPECT_THROW(GuardedPow(kNaN, 2), SilentAbort);
+  EXPECT_THROW(GuardedPow(2, kNaN), SilentAbort);
+  EXPECT_THROW(GuardedPow(0, -1), SilentAbort);    // a pole
+  EXPECT_THROW(GuardedPow(10, 400), SilentAbort);  // an overflow
+  EXPECT_EQ(GuardedPow(kNaN, 0), 1.0);             // finite, so it stands
+  EXPECT_EQ(GuardedExp(-kInf), 0.0);
 }
 
 TEST(GuardedMath, BoundariesThatPass) {
