@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <vector>
 
-#include "frame/families.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
 #include "services/report_pane.h"

@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "charts/dot_diagram.h"
-#include "frame/families.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "protocol/families.h"
 #include "services/axes.h"
 #include "services/dialog_exchange.h"
 #include "services/graph_pane.h"

@@ -13,12 +13,10 @@
 #include <string_view>
 #include <type_traits>
 
+#include "frame/missing_value.h"
 #include "zvwin/zvwin.h"
 
 namespace zv {
-
-// A value that has no value: compared exactly, printed as an empty field.
-inline constexpr double kMissingValue = -32768.0;
 
 struct ProcedureState;
 struct HostRecord;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <numbers>
 
-#include "frame/host_records.h"
+#include "frame/missing_value.h"
 #include "stats/gauss_legendre.h"
 #include "stats/guarded_math.h"
 #include "stats/special_functions.h"

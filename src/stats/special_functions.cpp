@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frame/host_records.h"
+#include "frame/missing_value.h"
 
 namespace zv {
 

@@ -1,7 +1,7 @@
 // The product-limit procedure's row of the Families table: its variable
 // dialog, the variables Begin loads, the option defaults, the computation,
 // the pane writers, the option dialogs and the interpretation.
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 #include "survival/survival_dialogs.h"

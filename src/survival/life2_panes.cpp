@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/families.h"
 #include "frame/messages.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
 #include "services/report_pane.h"

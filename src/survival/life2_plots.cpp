@@ -5,9 +5,9 @@
 #include <cassert>
 #include <string>
 
-#include "frame/families.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "protocol/families.h"
 #include "services/axes.h"
 #include "services/graph_pane.h"
 #include "services/movable_block.h"

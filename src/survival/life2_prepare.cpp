@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
 #include "services/row_order.h"

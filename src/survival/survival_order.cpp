@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "survival/life2_state.h"
 #include "survival/survival_blocks.h"

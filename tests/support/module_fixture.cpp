@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "frame/exports.h"
-#include "frame/module_start.h"
 #include "frame/module_state.h"
+#include "protocol/exports.h"
+#include "protocol/module_start.h"
 #include "zvgrid/sheet.h"
 #include "zvgrid/zvgrid.h"
 #include "zvhost/record_blocks.h"
@@ -12,11 +12,19 @@
 namespace zvtest {
 namespace {
 
-void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) { ++ModuleFixture::refreshCalls; }
-void Modified(zv::HostRecord*, int32_t) { ++ModuleFixture::modifiedCalls; }
+void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {
+  ++ModuleFixture::refreshCalls;
+}
+void Modified(zv::HostRecord*, int32_t) {
+  ++ModuleFixture::modifiedCalls;
+}
 void Wait(zv::HostHelpRecord*, int32_t) {}
-void Drop(zv::HostView*, int32_t) { ++ModuleFixture::dropCalls; }
-int32_t Edit(zv::FrameWindow*, char*) { return 0; }
+void Drop(zv::HostView*, int32_t) {
+  ++ModuleFixture::dropCalls;
+}
+int32_t Edit(zv::FrameWindow*, char*) {
+  return 0;
+}
 
 zv::ProcedureStateVtbl gStateVtbl{Refresh};
 zv::HostRecordVtbl gHostVtbl{Modified};

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string>
 
-#include "frame/exports.h"
 #include "frame/messages.h"
-#include "frame/protocol.h"
 #include "life2_fixture.h"
+#include "protocol/exports.h"
+#include "protocol/protocol.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string>
 
-#include "frame/exports.h"
-#include "frame/families.h"
+#include "protocol/exports.h"
+#include "protocol/families.h"
 
 namespace zv {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 // The families of the family list, found by procedure code.
 const FamilyInfo* const kFamilies[] = {
 #define ZV_FAMILY(Name, entries) &k##Name##Family,
-#include "frame/family_list.h"
+#include "protocol/family_list.h"
 #undef ZV_FAMILY
 };
 

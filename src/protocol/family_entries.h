@@ -48,7 +48,7 @@
   ZV_API int32_t F##Opts(zv::PaneWindow* pane, int32_t slot, int32_t item, zv::PaneRecord* record);
 
 // Definitions; `row` is the family's row of the Families table. They need
-// frame/protocol.h and
+// protocol/protocol.h and
 // frame/module_state.h.
 #define ZV_DEFINE_FAMILY_ENTRIES_8(F, row)                                                         \
   ZV_API int32_t F##Dialog(int32_t slot, zv::HostRecord* host, zv::SheetWindow* sheet,             \

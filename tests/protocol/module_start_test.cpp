@@ -1,4 +1,4 @@
-#include "frame/module_start.h"
+#include "protocol/module_start.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The procedure protocol driven as the Host drives it, with DotDiagram, the
 // simplest family, as the passenger.
-#include "frame/protocol.h"
+#include "protocol/protocol.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <string>
 
 #include "charts/dot_diagram.h"
-#include "frame/exports.h"
-#include "frame/family_entries.h"
 #include "frame/module_state.h"
+#include "protocol/exports.h"
+#include "protocol/family_entries.h"
 #include "support/module_fixture.h"
 #include "zvgrid/sheet.h"
 

@@ -1,13 +1,13 @@
 // The module's application object, start-up and stop, the locale read once
 // at start, and the five module-level exports.
-#include "frame/module_start.h"
+#include "protocol/module_start.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "frame/exports.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "protocol/exports.h"
 #include "services/graph_pane.h"
 
 namespace zv {

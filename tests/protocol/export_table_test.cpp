@@ -5,14 +5,14 @@
 #include <set>
 #include <string>
 
-#include "frame/family_entries.h"  // before the table, which is read inside a function
+#include "protocol/family_entries.h"  // before the table, which is read inside a function
 
 namespace {
 
 std::set<std::string> TableNames() {
   std::set<std::string> names;
 #define ZV_EXPORT(name, ordinal) names.insert(#name);
-#include "frame/export_table.h"
+#include "protocol/export_table.h"
 #undef ZV_EXPORT
   return names;
 }
@@ -38,7 +38,7 @@ TEST(ExportTable, LibraryExportsExactlyTheTable) {
   // name that two families share, or a form that loses a name, shows here.
   constexpr size_t kExpected = 5
 #define ZV_FAMILY(Name, entries) +entries
-#include "frame/family_list.h"
+#include "protocol/family_list.h"
 #undef ZV_FAMILY
       ;
   EXPECT_EQ(TableNames().size(), kExpected);

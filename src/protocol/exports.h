@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "frame/family_entries.h"
 #include "frame/host_records.h"
+#include "protocol/family_entries.h"
 
 ZV_API int32_t FilterDllMsg(const WinMsg* message);
 ZV_API int32_t ProcessDllIdle();
@@ -16,5 +16,5 @@ ZV_API int32_t CallKeel4Interpret(zv::ProcedureState* state, char* output, int32
 ZV_API void Keel4SetAddedText(const char* text, int32_t flag);
 
 #define ZV_FAMILY(Name, entries) ZV_DECLARE_FAMILY_ENTRIES_##entries(Name)
-#include "frame/family_list.h"
+#include "protocol/family_list.h"
 #undef ZV_FAMILY

@@ -9,37 +9,9 @@
 #include <vector>
 
 #include "frame/host_records.h"
+#include "services/variable_dialog.h"
 
 namespace zv {
-
-// A field of a family's variable dialog.
-struct VariableField {
-  int32_t control;    // the edit control
-  int32_t arrow;      // its arrow button; 0 when the field has none
-  int32_t maxLength;  // characters
-  bool isList;        // one column name per line (CheckVariableList)
-  bool allowEmpty;
-  bool allowText;  // a character column is acceptable
-  bool isSelect;   // the select expression
-  // Where the text comes back from on reopen: a binding index; for a list
-  // field the first binding of the list.
-  int32_t binding;
-  // For a list field: 0 the whole second list, 1 its first half, 2 its second
-  // half (the two lists of a life table share the second list).
-  int32_t listPart = 0;
-};
-
-struct VariableDialogLayout {
-  uint32_t templateId;
-  int32_t helpId;
-  const char* caption;  // nullptr keeps the template's caption
-  std::vector<VariableField> fields;
-  int32_t listControl = 114;
-  int32_t sortControl = 115;
-  int32_t transformControl = 0;   // 0 when the dialog has no Transform button
-  bool expressionDialog = false;  // Transform opens the module's expression dialog
-  int32_t minListLines = 0;       // a list with fewer lines is refused (string 1056)
-};
 
 // A variable that Begin loads and BeginAgain checks.
 struct BeginVariable {
@@ -90,7 +62,7 @@ struct FamilyInfo {
 // The rows, defined by each family in its own subsystem, one for each line
 // of the family list.
 #define ZV_FAMILY(Name, entries) extern const FamilyInfo k##Name##Family;
-#include "frame/family_list.h"
+#include "protocol/family_list.h"
 #undef ZV_FAMILY
 
 // The family of a procedure code; nullptr for an unknown code.

@@ -1,4 +1,4 @@
-#include "frame/protocol.h"
+#include "protocol/protocol.h"
 
 #include <algorithm>
 #include <cstring>

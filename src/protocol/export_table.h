@@ -17,10 +17,10 @@ ZV_EXPORT(CallKeel4Interpret, 5)
 ZV_EXPORT(Keel4SetAddedText, 92)
 // clang-format on
 
-#include "frame/family_entries.h"
+#include "protocol/family_entries.h"
 
 #define ZV_EXPORT_ENTRY(name) ZV_EXPORT(name, 0)
 #define ZV_FAMILY(Name, entries) ZV_FAMILY_ENTRY_NAMES_##entries(Name, ZV_EXPORT_ENTRY)
-#include "frame/family_list.h"
+#include "protocol/family_list.h"
 #undef ZV_FAMILY
 #undef ZV_EXPORT_ENTRY

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "frame/families.h"
+#include "protocol/families.h"
 
 namespace zv {
 
