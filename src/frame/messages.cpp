@@ -31,11 +31,7 @@ int32_t ShowErrorText(std::string_view text) {
 }
 
 void ShowErrorNumber(int32_t stringNumber, int32_t value) {
-  // The string is a printf format with one integer, expanded into 84 bytes.
-  char buffer[84];
-  const std::string format = LoadText(stringNumber);
-  std::snprintf(buffer, sizeof buffer, format.c_str(), value);
-  Box(buffer, kMbOk | kMbIconExclamation);
+  Box(FormatText(stringNumber, 84, value), kMbOk | kMbIconExclamation);
 }
 
 void ShowNote(int32_t stringNumber) {

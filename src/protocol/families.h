@@ -52,8 +52,9 @@ struct FamilyInfo {
   void (*compute)(int32_t slot) = nullptr;
   // Writes pane `item`; items the family lacks do nothing and give 0.
   int32_t (*writePane)(PaneWindow* pane, int32_t slot, int32_t item) = nullptr;
-  // The whole Opts entry of the family (most use StandardOptions).
-  int32_t (*options)(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record) = nullptr;
+  // The options dialog of pane `item`: 1 after OK with the fields stored, 0
+  // after Cancel, -1 when the pane has none. nullptr: no pane has options.
+  int32_t (*optionsDialog)(int32_t slot, int32_t item) = nullptr;
   void (*save)(int32_t slot) = nullptr;  // Vsave; nullptr does nothing
   // Appends the interpretation of pane `item` (CallKeel4Interpret).
   void (*interpret)(const ProcedureState& state, int32_t item, std::string& out) = nullptr;
@@ -70,14 +71,6 @@ const FamilyInfo* FamilyOfCode(int32_t procedureCode);
 
 // The state of a Slot, as Setup or BeginAgain bound it.
 ProcedureState& StateOf(int32_t slot);
-
-// The common Opts of a family: refuses panes of a failed analysis except
-// Item 1, runs `dialog` for the Item (which returns 1 on OK after storing
-// its fields, 0 on Cancel, -1 when the Item has no dialog), then marks the
-// analysis modified and rebuilds the pane; Item 1 recomputes and refreshes
-// every pane.
-int32_t StandardOptions(const FamilyInfo& family, PaneWindow* pane, int32_t slot, int32_t item,
-                        PaneRecord* record, int32_t (*dialog)(int32_t slot, int32_t item));
 
 // Marks the analysis of the current Host modified (after an accepted dialog).
 void MarkAnalysisModified();

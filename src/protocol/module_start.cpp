@@ -7,6 +7,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "protocol/exports.h"
 #include "services/graph_pane.h"
 
@@ -72,7 +73,7 @@ void ParseShortDate(const char* format) {
 
 void ModuleStart() {
   gResourceModule = WinLoadLibrary("keel4res.dll");
-  const std::string title = LoadText(57344);
+  const std::string title = LoadText(kAppTitleText);
   std::memset(gAppTitle, 0, sizeof gAppTitle);
   std::memcpy(gAppTitle, title.data(), std::min(title.size(), sizeof gAppTitle - 1));
   gApp.name = gAppTitle;

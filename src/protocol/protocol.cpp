@@ -7,6 +7,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/variable_dialog.h"
 #include "services/variables.h"
 #include "zvgrid/zvgrid.h"
@@ -182,19 +183,16 @@ int32_t ProtocolItem(const FamilyInfo& family, PaneWindow* pane, int32_t slot, i
   return result;
 }
 
+// Refuses the panes of a failed analysis except Item 1, runs the Item's
+// dialog, then marks the analysis modified and rebuilds the pane; Item 1
+// recomputes and refreshes every pane.
 int32_t ProtocolOpts(const FamilyInfo& family, PaneWindow* pane, int32_t slot, int32_t item,
                      PaneRecord* record) {
-  if (family.options != nullptr) return family.options(pane, slot, item, record);
-  return StandardOptions(family, pane, slot, item, record, nullptr);
-}
-
-int32_t StandardOptions(const FamilyInfo& family, PaneWindow* pane, int32_t slot, int32_t item,
-                        PaneRecord* record, int32_t (*dialog)(int32_t slot, int32_t item)) {
   ProcedureState& state = StateOf(slot);
   if (item != 1 && state.status != 0) return 0;
-  const int32_t answer = dialog != nullptr ? dialog(slot, item) : -1;
+  const int32_t answer = family.optionsDialog != nullptr ? family.optionsDialog(slot, item) : -1;
   if (answer < 0) {
-    ShowNote(1100);
+    ShowNote(kPaneHasNoOptionsText);
     return 1;
   }
   if (answer == 0) return 0;

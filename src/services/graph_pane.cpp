@@ -10,6 +10,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/chart_option_words.h"
 #include "services/movable_block.h"
 #include "services/variables.h"
@@ -65,7 +66,7 @@ bool Guarded(F&& grow) {
     grow();
     return true;
   } catch (const std::bad_alloc&) {
-    if (!gScratch.failed) ShowError(1001);
+    if (!gScratch.failed) ShowError(kNoMemoryText);
     gScratch.failed = true;
     return false;
   }
@@ -228,7 +229,7 @@ bool StoreText(PaneRecord& pane, const GraphScratch& s) {
   const uint64_t stringBytes = std::max<uint64_t>(strings, 1) * kTextStringBytes;
   const uint64_t numberBytes = std::max<uint64_t>(strings, 1) * kTextNumberWords * sizeof(double);
   if (numberBytes > std::numeric_limits<uint32_t>::max()) {
-    ShowError(1001);
+    ShowError(kNoMemoryText);
     return false;
   }
   pane.textItems = AllocGlobal(static_cast<uint32_t>(itemBytes));
@@ -274,7 +275,7 @@ Handle InterleavePairs(const GraphLists& lists, size_t pairs) {
   const size_t width = static_cast<size_t>(lists.pointWidth);
   const uint64_t bytes = static_cast<uint64_t>(pairs) * width * sizeof(double);
   if (bytes > std::numeric_limits<uint32_t>::max()) {
-    ShowError(1001);
+    ShowError(kNoMemoryText);
     return 0;
   }
   const Handle block = AllocGlobal(static_cast<uint32_t>(bytes));
@@ -303,7 +304,7 @@ bool ResizeList(std::vector<T>& list, size_t size) {
     list.resize(size);
     return true;
   } catch (const std::bad_alloc&) {
-    ShowError(1001);
+    ShowError(kNoMemoryText);
     return false;
   }
 }
@@ -389,7 +390,7 @@ GraphStart StartFamilyGraph(PaneWindow* pane, int32_t slot, int32_t item) {
   ProcedureState& state = *gStates[slot];
   if (state.status != 0) {
     BeginGraph(state.keepScales, state.rowCount);
-    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
+    AddText(LoadText(kNoResultsText), kTextMessage, 0, 1.0, 0);
     EndGraph(pane, slot);
     return {nullptr, 1};
   }
@@ -422,6 +423,35 @@ void ElementWriter::Point(double x, double y, double id) {
   lists_.elementPoints[point_++] = x;
   lists_.elementPoints[point_++] = y;
   lists_.elementPoints[point_++] = id;
+}
+
+void DrawLegend(const PaneRecord& record, std::string_view title,
+                const std::vector<std::string>& labels, ElementWriter& list) {
+  constexpr int32_t kFirstLegendLine = 10;
+  constexpr double kLegendSample = -2.0;
+  const double legendX = record.legendBox[0];
+  const double legendY = record.legendBox[1];
+  const double textOffset = record.legendBox[2];
+  const double lineHeight = record.legendBox[3];
+  const size_t count = std::min(labels.size(), kLegendCapacity);
+  SetTitleLine(title, 3);
+  gLegendTitle = std::string(title);
+  AddText("{3}", kTextLegend, legendX, legendY, 0.0);
+  for (size_t i = 0; i < count; ++i) {
+    const int32_t line = static_cast<int32_t>(i);
+    SetTitleLine(labels[i], kFirstLegendLine + line);
+    const std::string placeholder = {'{', static_cast<char>('A' + line), '}'};
+    AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - line) * lineHeight,
+            0.0);
+  }
+  for (size_t i = 0; i < count; ++i) {
+    const int32_t line = static_cast<int32_t>(i);
+    const double y =
+        (legendY + (-1 - line) * lineHeight) * record.scale[1].span + record.scale[1].low;
+    list.Begin(2, line + 1);
+    list.Point((legendX - 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
+    list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
+  }
 }
 
 void AddText(std::string_view text, int32_t kind, double x, double y, double z) {

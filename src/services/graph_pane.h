@@ -111,6 +111,15 @@ struct GraphStart {
 };
 GraphStart StartFamilyGraph(PaneWindow* pane, int32_t slot, int32_t item);
 
+// The legend of a plot with one series per label, in the pane's legend box:
+// `title` (title line 3) at the box's corner, and each label (title lines 10
+// up, shown through the placeholders {A}, {B}, ...) beside a short line
+// sample in pen i + 1, written to list A. At most kLegendCapacity labels are
+// drawn: count one polyline of two points for each of them.
+inline constexpr size_t kLegendCapacity = 26;
+void DrawLegend(const PaneRecord& record, std::string_view title,
+                const std::vector<std::string>& labels, ElementWriter& list);
+
 // Places the Host's added caption, interleaves list B, stores the text items
 // in the pane record and hands the whole graph to ChartDraw. The scratch is
 // empty afterwards.

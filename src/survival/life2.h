@@ -46,7 +46,8 @@ int32_t Life2ComparisonPane(PaneWindow* pane, int32_t slot, int32_t item, int32_
 int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind);
 
 // The texts of the three report panes, as SetPaneText receives them (with the
-// advice text when it is enabled).
+// advice text when it is enabled). The percentile and comparison texts need
+// results (`status` 0): their panes show WriteFailedPane's text otherwise.
 std::string Life2SummaryText(int32_t slot);
 std::string Life2PercentileText(int32_t slot);
 std::string Life2ComparisonText(int32_t slot);

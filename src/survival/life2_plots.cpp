@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <string>
+#include <vector>
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
@@ -25,8 +26,6 @@ constexpr int32_t kDrawnGroups = 20;  // further groups are left out of a plot
 constexpr int32_t kGraphMenu = 0xBB00;
 constexpr int32_t kLimitsPen = 6;
 constexpr double kLinePoint = -1.0;
-constexpr double kLegendSample = -2.0;
-constexpr int32_t kFirstLegendLine = 10;
 
 struct PlotKind {
   const char* title;
@@ -177,29 +176,13 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
   DrawAxisLabels(2, 1, 1);
 
   if (drawn > 1) {
-    const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
     LockedBlock<const char> labels(state.bindings[kGroupLabelsBinding].data);
-    const double legendX = record.legendBox[0];
-    const double legendY = record.legendBox[1];
-    const double textOffset = record.legendBox[2];
-    const double lineHeight = record.legendBox[3];
-    SetTitleLine(groupText, 3);
-    gLegendTitle = std::string(groupText);
-    AddText("{3}", kTextLegend, legendX, legendY, 0.0);
+    std::vector<std::string> legend;
     for (int32_t i = 0; i < drawn; ++i) {
-      const std::string_view label(labels.get() + static_cast<size_t>(i) * kGroupLabelWidth,
-                                   kGroupLabelWidth);
-      SetTitleLine(TrimBlanks(label), kFirstLegendLine + i);
-      const std::string placeholder = {'{', static_cast<char>('A' + i), '}'};
-      AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - i) * lineHeight, 0.0);
+      legend.push_back(TrimBlanks(std::string_view(
+          labels.get() + static_cast<size_t>(i) * kGroupLabelWidth, kGroupLabelWidth)));
     }
-    for (int32_t i = 0; i < drawn; ++i) {
-      const double y =
-          (legendY + (-1 - i) * lineHeight) * record.scale[1].span + record.scale[1].low;
-      list.Begin(2, i + 1);
-      list.Point((legendX - 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
-      list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
-    }
+    DrawLegend(record, ExpressionOf(state.bindings[kGroupBinding]), legend, list);
   }
 
   assert(!list.overflowed() && "list A was counted short");

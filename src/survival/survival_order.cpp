@@ -5,8 +5,8 @@
 
 #include "protocol/families.h"
 #include "services/movable_block.h"
+#include "services/work_blocks.h"
 #include "survival/life2_state.h"
-#include "survival/survival_blocks.h"
 
 namespace zv {
 

@@ -21,27 +21,15 @@ class DotDiagramTest : public ModuleFixture {
  protected:
   zv::ProcedureState& Run(const char* csv, const char* variable, const char* select) {
     LoadSheet(csv);
-    Script({{9969,
-             {DialogAction::SetText(116, variable), DialogAction::SetText(117, select),
-              DialogAction::Press(kIdOk)}}});
-    EXPECT_EQ(DotDiagramDialog(0, host.get(), sheet.get(), frame.get(), 0, 0), 1);
-    zv::ProcedureState& state = NewState(0);
-    DotDiagramSetup(0, &state, view.get(), entryList, 0, 0);
-    StoreEntryList(state, entryList, true);
-    EXPECT_EQ(DotDiagramBegin(0, 0, 0), 1);
-    return state;
+    return RunFamily(zv::kDotDiagramFamily, {variable}, select);
   }
-  std::string Pane(int32_t item) {
-    DotDiagramItem(pane.get(), 0, item, paneRecord.get(), 0);
-    return WinGetWindowText(pane->window);
-  }
+  std::string Pane(int32_t item) { return PaneText(zv::kDotDiagramFamily, item); }
   // The dots the chart library received for the pane's graph.
   std::vector<double> Dots() {
     const zvchart::StoredGraph* graph = zvchart::FindGraph(paneRecord->graphId);
     if (graph == nullptr || graph->elements.empty()) return {};
     return graph->elements[0].values;
   }
-  char entryList[zv::kEntryListBytes] = {};
 };
 
 TEST_F(DotDiagramTest, SummaryPaneText) {

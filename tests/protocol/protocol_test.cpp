@@ -36,16 +36,8 @@ class ProtocolTest : public ModuleFixture {
  protected:
   // Dialog and Setup for a new analysis on `slot`, as the Host calls them.
   zv::ProcedureState& Open(int32_t slot, const char* variable, const char* select) {
-    Script({{9969,
-             {DialogAction::SetText(116, variable), DialogAction::SetText(117, select),
-              DialogAction::Press(kIdOk)}}});
-    EXPECT_EQ(DotDiagramDialog(slot, host.get(), sheet.get(), frame.get(), 0, 0), 1);
-    zv::ProcedureState& state = NewState(slot);
-    DotDiagramSetup(slot, &state, view.get(), entryList, 0, 0);
-    StoreEntryList(state, entryList, true);
-    return state;
+    return OpenFamily(zv::kDotDiagramFamily, {variable}, select, slot);
   }
-  char entryList[zv::kEntryListBytes] = {};
 };
 
 TEST_F(ProtocolTest, SetupWritesConstantsEntryListAndRaisesNextSlotOnce) {
