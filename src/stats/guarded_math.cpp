@@ -4,18 +4,13 @@
 
 namespace zv {
 
-// The guards are written so that a NaN fails them: every comparison with a
-// NaN is false.
-
 double GuardedPow(double x, double y) {
   if (x < 0 && y != std::trunc(y)) throw SilentAbort{};
-  const double result = std::pow(x, y);
-  if (!std::isfinite(result)) throw SilentAbort{};
-  return result;
+  return std::pow(x, y);
 }
 
 double GuardedSqrt(double x) {
-  if (!(x >= 0) || std::isinf(x)) throw SilentAbort{};
+  if (x < 0) throw SilentAbort{};
   return std::sqrt(x);
 }
 
@@ -23,17 +18,17 @@ double GuardedSqrt(double x) {
 // vanish cleanly; above 200 the value would overflow later arithmetic.
 double GuardedExp(double x) {
   if (x < -200) return 0.0;
-  if (!(x <= 200)) throw SilentAbort{};
+  if (x > 200) throw SilentAbort{};
   return std::exp(x);
 }
 
 double GuardedLog(double x) {
-  if (!(x > 0) || std::isinf(x)) throw SilentAbort{};
+  if (x <= 0) throw SilentAbort{};
   return std::log(x);
 }
 
 double GuardedLog10(double x) {
-  if (!(x > 0) || std::isinf(x)) throw SilentAbort{};
+  if (x <= 0) throw SilentAbort{};
   return std::log10(x);
 }
 
