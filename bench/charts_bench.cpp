@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "charts/dot_diagram.h"
-#include "frame/exports.h"
-#include "frame/families.h"
+#include "protocol/exports.h"
+#include "protocol/families.h"
 #include "support/bench_host.h"
 #include "zvgrid/sheet.h"
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/exports.h"
-#include "frame/families.h"
 #include "frame/host_records.h"
+#include "protocol/exports.h"
+#include "protocol/families.h"
 #include "support/bench_host.h"
 #include "survival/group_tests.h"
 #include "survival/life2.h"

@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "frame/exports.h"
-#include "frame/module_start.h"
 #include "frame/module_state.h"
+#include "protocol/exports.h"
+#include "protocol/module_start.h"
 #include "zvgrid/zvgrid.h"
 #include "zvhost/record_blocks.h"
 #include "zvwin/zvwin.h"

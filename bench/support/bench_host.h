@@ -9,8 +9,8 @@
 #include <memory>
 #include <vector>
 
-#include "frame/families.h"
 #include "frame/host_records.h"
+#include "protocol/families.h"
 
 namespace zvbench {
 

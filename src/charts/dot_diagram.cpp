@@ -3,9 +3,11 @@
 #include <cstdio>
 #include <vector>
 
-#include "frame/families.h"
+#include "charts/chart_strings.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
 #include "services/report_pane.h"
@@ -15,30 +17,6 @@
 
 namespace zv {
 namespace {
-
-// Expands a string-table format that takes one argument.
-template <class T>
-std::string FormatString(int32_t stringNumber, T value) {
-  const std::string format = LoadText(stringNumber);
-  const int length = std::snprintf(nullptr, 0, format.c_str(), value);
-  if (length <= 0) return std::string();
-  std::string out(static_cast<size_t>(length) + 1, '\0');
-  std::snprintf(out.data(), out.size(), format.c_str(), value);
-  out.pop_back();
-  return out;
-}
-
-int32_t StatusString(int32_t status) {
-  switch (status) {
-    case 1: return 1005;
-    case 2:
-    case 1004: return 1004;
-    case 3: return 3023;
-    case 1042: return 1042;
-    case 4: return 3903;
-    default: return 1025;
-  }
-}
 
 void WriteDefaults(ProcedureState& state) {
   Set(state, kDotClasses, 0);
@@ -51,18 +29,25 @@ int32_t WritePane(PaneWindow* pane, int32_t slot, int32_t item) {
   return 0;
 }
 
-int32_t Options(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record) {
-  return StandardOptions(kDotDiagramFamily, pane, slot, item, record, DotDiagramOptionsDialog);
-}
-
 const VariableDialogLayout kDialog{
     .templateId = 9969,
     .helpId = 42582,
     .caption = nullptr,
-    .fields = {{.control = 116, .arrow = 119, .maxLength = 64, .isList = false,
-                .allowEmpty = false, .allowText = false, .isSelect = false, .binding = 0},
-               {.control = 117, .arrow = 120, .maxLength = 64, .isList = false,
-                .allowEmpty = true, .allowText = false, .isSelect = true,
+    .fields = {{.control = 116,
+                .arrow = 119,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = false,
+                .allowText = false,
+                .isSelect = false,
+                .binding = 0},
+               {.control = 117,
+                .arrow = 120,
+                .maxLength = 64,
+                .isList = false,
+                .allowEmpty = true,
+                .allowText = false,
+                .isSelect = true,
                 .binding = kSelectBinding}},
     .transformControl = 121,
     .expressionDialog = true,
@@ -122,28 +107,28 @@ void DotDiagramPrepare(int32_t slot) {
 int32_t DotDiagramSummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t) {
   ProcedureState& state = StateOf(slot);
   char number[32];
-  std::string text = LoadText(9962) + kLineEnd;
-  text += LoadText(9963) + kLineEnd;
-  text += LoadText(9964);
+  std::string text = LoadText(kDotHeading) + kLineEnd;
+  text += LoadText(kDotHeadingRule) + kLineEnd;
+  text += LoadText(kDotVariableLabel);
   text += ExpressionOf(state.bindings[0]);
   text += kLineEnd;
   const std::string_view select = ExpressionOf(state.bindings[kSelectBinding]);
   if (!select.empty()) {
-    text += LoadText(3002);
+    text += LoadText(kSelectLabel);
     text += select;
     text += kLineEnd;
   }
   text += kLineEnd;
-  text += FormatString(9965, static_cast<int>(Get(state, kDotCount))) + kLineEnd;
+  text += FormatText(kDotCountLine, SIZE_MAX, static_cast<int>(Get(state, kDotCount))) + kLineEnd;
   FormatNumber(number, Get(state, kDotMean), 16);
-  text += LoadText(9966) + number + kLineEnd;
+  text += LoadText(kDotMeanLabel) + number + kLineEnd;
   FormatNumber(number, Get(state, kDotDeviation), 16);
-  text += LoadText(9967) + number + kLineEnd;
+  text += LoadText(kDotDeviationLabel) + number + kLineEnd;
   text += kLineEnd;
   if (state.status == 0) {
     AppendAdvice(text, slot, item);
   } else {
-    text += LoadText(StatusString(state.status)) + kLineEnd;
+    text += LoadText(StatusString(kChartStatusTexts, state.status)) + kLineEnd;
   }
   return SetPaneText(pane, slot, item, text);
 }
@@ -151,9 +136,9 @@ int32_t DotDiagramSummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int3
 void InterpretDotDiagram(const ProcedureState& state, int32_t item, std::string& out) {
   if (item != 1 && item != 8) return;
   const std::string expression(ExpressionOf(state.bindings[0]));
-  out += FormatString(4928, expression.c_str());
+  out += FormatText(kDotShowsSentence, kInterpretBufferSize, expression.c_str());
   out += "  ";
-  out += LoadText(4929);
+  out += LoadText(kDotStacksSentence);
   out += "\r\n\r\n";
 }
 
@@ -161,12 +146,11 @@ const FamilyInfo kDotDiagramFamily{
     .name = "DotDiagram",
     .procedureCode = kDotDiagramCode,
     .helpId = 32977,
-    .titleString = 9961,
+    .titleString = kDotDiagramTitle,
     .titleEntry = 0,
     .firstListCount = 1,
     .secondListCount = 0,
     .lineListEntry = -1,
-    .hasSelect = true,
     .textOptionsMask = 0,
     .graphOptionsMask = 1,
     .setsExtraStale = false,
@@ -177,7 +161,7 @@ const FamilyInfo kDotDiagramFamily{
     .writeDefaults = WriteDefaults,
     .compute = DotDiagramPrepare,
     .writePane = WritePane,
-    .options = Options,
+    .optionsDialog = DotDiagramOptionsDialog,
     .interpret = InterpretDotDiagram,
 };
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "charts/chart_strings.h"
 #include "frame/host_records.h"
 
 namespace zv {
@@ -15,8 +16,6 @@ ZV_FAMILY_FIELD(kDotCount, double, 0x22C0);
 ZV_FAMILY_FIELD(kDotDistinct, double, 0x22C8);
 ZV_FAMILY_FIELD(kDotMean, double, 0x22D0);
 ZV_FAMILY_FIELD(kDotDeviation, double, 0x22D8);
-
-inline constexpr int32_t kDotDiagramCode = 2842;
 
 void DotDiagramPrepare(int32_t slot);
 int32_t DotDiagramSummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t one);

@@ -2,16 +2,18 @@
 #include <algorithm>
 #include <vector>
 
+#include "charts/chart_strings.h"
 #include "charts/dot_diagram.h"
-#include "frame/families.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
+#include "protocol/families.h"
 #include "services/axes.h"
 #include "services/dialog_exchange.h"
 #include "services/graph_pane.h"
 #include "services/movable_block.h"
+#include "services/option_dialog.h"
 #include "services/report_pane.h"
-#include "services/variable_dialog.h"
 #include "services/variables.h"
 
 namespace zv {
@@ -24,8 +26,14 @@ constexpr int32_t kGraphMenu = 0x1917;
 // anything to the axis.
 char AxisTypeOf(const VariableBinding& binding) {
   switch (binding.type) {
-    case 'D': case 'M': case 'Q': case 'T': case 'S': return binding.type;
-    default: return 0;
+    case 'D':
+    case 'M':
+    case 'Q':
+    case 'T':
+    case 'S':
+      return binding.type;
+    default:
+      return 0;
   }
 }
 
@@ -71,50 +79,29 @@ int32_t StackDots(const double* values, const int32_t* order, int32_t n, int32_t
     ++height;
     tallest = std::max(tallest, height);
     if (points) {
-      points->insert(points->end(), {(lower + upper) * 0.5, height + 0.5, static_cast<double>(row)});
+      points->insert(points->end(),
+                     {(lower + upper) * 0.5, height + 0.5, static_cast<double>(row)});
     }
   }
   return tallest;
 }
 
-class DotOptionsDialog : public WinDialog {
+class DotOptionsDialog : public OptionDialog {
  public:
-  DotOptionsDialog() : WinDialog(818) {}
+  DotOptionsDialog() : OptionDialog(818, 42583) {}
   int32_t classesOn = 0;
   int32_t count = 50;
 
-  bool OnInitDialog() override {
-    SetHelpContext(42583);
-    Exchange(false);
-    EnableCount();
-    return true;
-  }
-  void OnCommand(int32_t control, int32_t) override {
-    if (control == 176 || control == 177) EnableCount();
-    if (control == kHelpButton) WinHelp(window(), "zvwin.hlp", kHelpContext, 42583);
-  }
-  void OnOK() override {
-    if (!Exchange(true)) return;
-    SetHelpContext(0);
-    EndDialog(kIdOk);
-  }
-  void OnCancel() override {
-    SetHelpContext(0);
-    EndDialog(kIdCancel);
-  }
-
- private:
-  bool Exchange(bool saving) {
-    DataExchange dx{*this, saving};
+ protected:
+  void Exchange(DataExchange& dx) override {
     ExchangeRadio(dx, 176, 177, &classesOn);
-    if (!saving || classesOn == 1) {
+    if (!dx.saving || classesOn == 1) {
       ExchangeInt(dx, 141, &count);
       CheckIntRange(dx, 141, count, 2, 1000);
     }
-    return !dx.failed;
   }
   // The count and its label serve only the second button.
-  void EnableCount() {
+  void UpdateControls() override {
     const bool on = IsChecked(177) != 0;
     EnableItem(141, on);
     EnableItem(306, on);
@@ -124,17 +111,12 @@ class DotOptionsDialog : public WinDialog {
 }  // namespace
 
 int32_t DotDiagramGraphPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t) {
+  const GraphStart graph = StartFamilyGraph(pane, slot, item);
+  if (graph.record == nullptr) return graph.result;
+  const PaneRecord& record = *graph.record;
   ProcedureState& state = StateOf(slot);
-  if (state.status != 0) {
-    BeginGraph(state.keepScales, state.rowCount);
-    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
-    EndGraph(pane, slot);
-    return 1;
-  }
   const VariableBinding& data = state.bindings[0];
   const int32_t classes = Get(state, kDotClasses);
-  state.graphIds[item - kGraphItem] = BeginGraph(state.keepScales, state.rowCount);
-  PaneRecord& record = *gCurrentPane;
   SetAxisAuto(1, data.minimum, data.maximum, AxisTypeOf(data));
 
   // The x axis is settled first, so that the class edges of both passes
@@ -157,7 +139,7 @@ int32_t DotDiagramGraphPane(PaneWindow* pane, int32_t slot, int32_t item, int32_
   SetTitleLine(ExpressionOf(data), 1);
   gXTitle = "{1}";
   gYTitle = "Frequency";
-  gMainTitle = LoadText(9968);
+  gMainTitle = LoadText(kDotGraphTitle);
   SetAxisTicksByScale(1);
   SetAxisTicksByScale(2);
   PlaceTitles();
@@ -167,7 +149,8 @@ int32_t DotDiagramGraphPane(PaneWindow* pane, int32_t slot, int32_t item, int32_
   GraphLists& lists = CurrentGraphLists();
   lists.pointWidth = 3;
   const int32_t dots = static_cast<int32_t>(points.size() / 3);
-  if (ResizeGraphList(lists.elementTable, 3) && ResizeGraphList(lists.elementPoints, points.size())) {
+  if (ResizeGraphList(lists.elementTable, 3) &&
+      ResizeGraphList(lists.elementPoints, points.size())) {
     lists.elementTable = {dots, 0, 1};
     lists.elementPoints = std::move(points);
   } else {

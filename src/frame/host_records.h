@@ -13,12 +13,10 @@
 #include <string_view>
 #include <type_traits>
 
+#include "frame/missing_value.h"
 #include "zvwin/zvwin.h"
 
 namespace zv {
-
-// A value that has no value: compared exactly, printed as an empty field.
-inline constexpr double kMissingValue = -32768.0;
 
 struct ProcedureState;
 struct HostRecord;
@@ -149,7 +147,9 @@ static_assert(offsetof(ProcedureState, graphOptionsMask) == 0x35F8);
 // True when [offset, offset + size) lies wholly in the family option and
 // result space of the state, clear of every field of the common header.
 constexpr bool InFamilyArea(uint32_t offset, uint32_t size) {
-  struct Range { uint32_t from, to; };
+  struct Range {
+    uint32_t from, to;
+  };
   constexpr Range kAreas[] = {
       {0x1F9C, 0x2F28}, {0x2F2C, 0x2F48}, {0x2F50, 0x2F58}, {0x2F74, 0x2F90}, {0x2FE4, 0x35F4}};
   for (const Range& r : kAreas) {
@@ -166,13 +166,13 @@ struct FamilyField {
   uint32_t offset;
 };
 
-#define ZV_FAMILY_FIELD(name, T, offset_)                                         \
-  inline constexpr ::zv::FamilyField<T> name{offset_};                            \
+#define ZV_FAMILY_FIELD(name, T, offset_)                                              \
+  inline constexpr ::zv::FamilyField<T> name{offset_};                                 \
   static_assert(::zv::InFamilyArea(offset_, sizeof(T)), #name " overlaps the header"); \
   static_assert((offset_) % alignof(T) == 0, #name " is misaligned")
 
-#define ZV_FAMILY_ARRAY(name, T, count, offset_)                                          \
-  inline constexpr ::zv::FamilyField<T, count> name{offset_};                             \
+#define ZV_FAMILY_ARRAY(name, T, count, offset_)                                                 \
+  inline constexpr ::zv::FamilyField<T, count> name{offset_};                                    \
   static_assert(::zv::InFamilyArea(offset_, sizeof(T) * (count)), #name " overlaps the header"); \
   static_assert((offset_) % alignof(T) == 0, #name " is misaligned")
 
@@ -305,7 +305,7 @@ struct PaneRecord {
   int32_t majorY;
   int32_t intervalsX;
   int32_t intervalsY;
-  PaneAxis axes[4];  // 0x02C
+  PaneAxis axes[4];   // 0x02C
   int32_t frameKind;  // 0x07C; word 3: 1 and 3 draw a closed frame
   int32_t optionWord4;
   int32_t optionWord5;
@@ -322,42 +322,42 @@ struct PaneRecord {
   double optionReals4to10[7];  // 0x0E0
   int32_t viewAngle;           // 0x118, degrees
   int32_t optionWord647;
-  AxisScale scale[4];          // 0x120
-  double optionReals0to3[4];   // 0x160
-  int32_t textStyleA[20];      // 0x180; kinds 1 to 20
+  AxisScale scale[4];         // 0x120
+  double optionReals0to3[4];  // 0x160
+  int32_t textStyleA[20];     // 0x180; kinds 1 to 20
   int32_t textStyleB[20];
   int32_t textStyleC[20];
   int32_t textStyleD[20];
-  int32_t textStyleE[20];      // 0x2C0
+  int32_t textStyleE[20];  // 0x2C0
   int32_t textStyleF[20];
   int32_t textStyleG[20];
   int32_t textStyleH[20];
   int32_t textStyleI[20];
   int32_t textStyleJ[20];
-  int32_t textStyleK[20];      // 0x4A0: text size
+  int32_t textStyleK[20];  // 0x4A0: text size
   int32_t textStyleL[20];
   int32_t textStyleM[20];
   int32_t textStyleN[20];
-  int32_t optionWord653;       // 0x5E0
-  int32_t textStyleO[20];      // 0x5E4
-  uint8_t optionBytes[288];    // 0x634: words 319 to 638, one byte each
-  uint32_t textColor[4];       // 0x754, inside the option bytes
+  int32_t optionWord653;     // 0x5E0
+  int32_t textStyleO[20];    // 0x5E4
+  uint8_t optionBytes[288];  // 0x634: words 319 to 638, one byte each
+  uint32_t textColor[4];     // 0x754, inside the option bytes
   uint8_t optionBytesTail[16];
-  int32_t axisFixed[4];        // 0x774
+  int32_t axisFixed[4];  // 0x774
   int32_t pad1;
-  AxisRange dataRange[4];      // 0x788
-  int32_t axisSet[4];          // 0x7C8
+  AxisRange dataRange[4];       // 0x788
+  int32_t axisSet[4];           // 0x7C8
   double ticks[4][kTickSlots];  // 0x7D8
-  double factor[4];            // 0xD18
-  Handle textItems;            // 0xD38: 44 bytes per item
-  Handle textStrings;          // 80 bytes per string
-  Handle textNumbers;          // 64 bytes per string
-  Handle titleLines;           // 64 lines of 80 characters
-  Handle titleLengths;         // 64 int32
+  double factor[4];             // 0xD18
+  Handle textItems;             // 0xD38: 44 bytes per item
+  Handle textStrings;           // 80 bytes per string
+  Handle textNumbers;           // 64 bytes per string
+  Handle titleLines;            // 64 lines of 80 characters
+  Handle titleLengths;          // 64 int32
   int32_t textItemCount;
   int32_t textStringCount;
   int32_t textNumberCount;
-  int32_t optionWord640;       // 0xD58
+  int32_t optionWord640;  // 0xD58
   int32_t optionWord641;
   int32_t clearedWord;         // 0xD60
   int32_t legendOn;            // 0xD64
@@ -365,11 +365,11 @@ struct PaneRecord {
   int32_t secondAxisState[4];  // 0xD88
   int32_t rowCount;            // 0xD98
   int32_t pad2;
-  double chartReals[12];       // 0xDA0
+  double chartReals[12];  // 0xDA0
   uint8_t hostArea0[0xE20 - 0xE00];
-  char axisType[4];            // 0xE20: 0, 'D', 'M', 'Q', 'T' or 'S'
-  int32_t optionWord654;       // 0xE24
-  int32_t optionWord655;       // 0xE28
+  char axisType[4];                // 0xE20: 0, 'D', 'M', 'Q', 'T' or 'S'
+  int32_t optionWord654;           // 0xE24
+  int32_t optionWord655;           // 0xE28
   int32_t optionWords656to659[4];  // 0xE2C
   int32_t tail;
 };

@@ -22,19 +22,21 @@ std::string LoadText(int32_t stringNumber) {
   return std::string(buffer, length > 0 ? static_cast<size_t>(length) : 0);
 }
 
-void ShowError(int32_t stringNumber) { Box(LoadText(stringNumber), kMbOk | kMbIconExclamation); }
-
-int32_t ShowErrorText(std::string_view text) { return Box(text, kMbOk | kMbIconExclamation); }
-
-void ShowErrorNumber(int32_t stringNumber, int32_t value) {
-  // The string is a printf format with one integer, expanded into 84 bytes.
-  char buffer[84];
-  const std::string format = LoadText(stringNumber);
-  std::snprintf(buffer, sizeof buffer, format.c_str(), value);
-  Box(buffer, kMbOk | kMbIconExclamation);
+void ShowError(int32_t stringNumber) {
+  Box(LoadText(stringNumber), kMbOk | kMbIconExclamation);
 }
 
-void ShowNote(int32_t stringNumber) { Box(LoadText(stringNumber), kMbOk | kMbIconInformation); }
+int32_t ShowErrorText(std::string_view text) {
+  return Box(text, kMbOk | kMbIconExclamation);
+}
+
+void ShowErrorNumber(int32_t stringNumber, int32_t value) {
+  Box(FormatText(stringNumber, 84, value), kMbOk | kMbIconExclamation);
+}
+
+void ShowNote(int32_t stringNumber) {
+  Box(LoadText(stringNumber), kMbOk | kMbIconInformation);
+}
 
 int32_t AskYesNo(int32_t stringNumber) {
   return Box(LoadText(stringNumber), kMbYesNo | kMbIconQuestion);

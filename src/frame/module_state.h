@@ -16,11 +16,11 @@ inline constexpr int kInterpretBufferSize = 2048;
 
 extern ModuleRef gResourceModule;
 extern char gAppTitle[44];
-extern int32_t gPlatformId;        // 0 means Win32s
-extern int32_t gLeadingZero;       // non-zero: a zero before a leading decimal point
+extern int32_t gPlatformId;   // 0 means Win32s
+extern int32_t gLeadingZero;  // non-zero: a zero before a leading decimal point
 extern char gDecimalChar;
-extern char gDateOrder[4];         // three field letters and the separator
-extern char gMonthYearOrder[3];    // two field letters and the separator
+extern char gDateOrder[4];       // three field letters and the separator
+extern char gMonthYearOrder[3];  // two field letters and the separator
 extern int32_t gTimeLeadingZero;
 extern char gTimeSeparator;
 
@@ -30,7 +30,7 @@ extern SheetWindow* gSheetWindow;
 extern FrameWindow* gFrameWindow;
 extern ProcedureState* gStates[kSlotCount];
 extern HostView* gViews[kSlotCount];
-extern char* gAdviceBuffer;        // 8192 bytes, owned by the Host
+extern char* gAdviceBuffer;  // 8192 bytes, owned by the Host
 extern int32_t gAdviceEnabled;
 extern std::string gEntryText[5];  // fields of the last accepted variable dialog
 extern char gInterpretBuffer[kInterpretBufferSize];

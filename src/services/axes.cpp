@@ -9,6 +9,7 @@
 #include "frame/host_records.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/date_format.h"
 #include "services/graph_pane.h"
 #include "services/number_format.h"
@@ -238,7 +239,7 @@ int32_t SetAxisManual(int32_t axis, double low, double high, double step, int32_
   if (IsDateType(pane->axisType[a])) useFactor = 0;
   if (log) {
     if (low <= 0.0 || high <= 0.0) {
-      ShowError(1023);
+      ShowError(kLogAxisNeedsPositiveText);
       return 0;
     }
     low = std::floor(std::log10(low));

@@ -7,13 +7,16 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 
 namespace zv {
 namespace {
 
 constexpr size_t kControlTextLimit = 64;
 
-bool IsSpace(char c) { return c == ' ' || c == '\t'; }
+bool IsSpace(char c) {
+  return c == ' ' || c == '\t';
+}
 
 bool Fail(DataExchange& dx, int32_t control, std::string_view message) {
   ShowErrorText(message);
@@ -27,7 +30,8 @@ std::string Expand(int32_t stringNumber, std::string_view first, std::string_vie
   const std::string format = LoadText(stringNumber);
   std::string out;
   for (size_t i = 0; i < format.size(); ++i) {
-    if (format[i] == '%' && i + 1 < format.size() && (format[i + 1] == '1' || format[i + 1] == '2')) {
+    if (format[i] == '%' && i + 1 < format.size() &&
+        (format[i + 1] == '1' || format[i + 1] == '2')) {
       out += format[i + 1] == '1' ? first : second;
       ++i;
     } else {
@@ -94,7 +98,7 @@ bool ExchangeDouble(DataExchange& dx, int32_t control, double* value) {
   }
   double parsed = 0.0;
   if (!ParseDialogNumber(dx.dialog.GetItemText(control), &parsed)) {
-    return Fail(dx, control, LoadText(961));
+    return Fail(dx, control, LoadText(kEnterNumberText));
   }
   *value = parsed;
   return true;
@@ -108,7 +112,7 @@ bool ExchangeInt(DataExchange& dx, int32_t control, int32_t* value) {
   }
   long long parsed = 0;
   if (!ParseWhole(dx.dialog.GetItemText(control), &parsed)) {
-    return Fail(dx, control, LoadText(963));
+    return Fail(dx, control, LoadText(kEnterWholeNumberText));
   }
   // Out of the int range: the nearest limit, for the range check to refuse.
   *value = static_cast<int32_t>(std::clamp<long long>(parsed, INT32_MIN, INT32_MAX));
@@ -123,7 +127,7 @@ bool ExchangeUnsigned(DataExchange& dx, int32_t control, uint32_t* value) {
   }
   long long parsed = 0;
   if (!ParseWhole(dx.dialog.GetItemText(control), &parsed)) {
-    return Fail(dx, control, LoadText(963));
+    return Fail(dx, control, LoadText(kEnterWholeNumberText));
   }
   *value = static_cast<uint32_t>(std::clamp<long long>(parsed, 0, UINT32_MAX));
   return true;

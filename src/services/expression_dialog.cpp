@@ -7,6 +7,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/variable_dialog.h"
 #include "services/variables.h"
 #include "zvgrid/zvgrid.h"
@@ -28,15 +29,15 @@ struct Key {
   const char* text;
 };
 constexpr Key kKeypad[] = {
-    {333, "0"}, {330, "1"}, {331, "2"}, {332, "3"},  {327, "4"},  {328, "5"},  {329, "6"},
-    {324, "7"}, {325, "8"}, {326, "9"}, {336, "+"},  {337, "-"},  {338, "*"},  {339, "/"},
-    {335, "^"}, {342, "("}, {343, ")"}, {344, "="},  {347, "<>"}, {345, "<"},  {348, ">"},
+    {333, "0"},  {330, "1"},  {331, "2"}, {332, "3"}, {327, "4"},  {328, "5"}, {329, "6"},
+    {324, "7"},  {325, "8"},  {326, "9"}, {336, "+"}, {337, "-"},  {338, "*"}, {339, "/"},
+    {335, "^"},  {342, "("},  {343, ")"}, {344, "="}, {347, "<>"}, {345, "<"}, {348, ">"},
     {346, "<="}, {349, ">="}, {340, "&"}, {341, "|"},
 };
 
-constexpr const char* kOperators[] = {"+", "-", "*", "/", "^", "=", "<>", "<", ">", "<=", ">=",
-                                      "&", "|", "NOT ", "LOG(", "LOG10(", "EXP(", "SQRT(",
-                                      "ABS(", "INT(", "ROUND(", "MIN(", "MAX("};
+constexpr const char* kOperators[] = {
+    "+", "-",    "*",    "/",      "^",    "=",     "<>",   "<",    ">",      "<=",   ">=",  "&",
+    "|", "NOT ", "LOG(", "LOG10(", "EXP(", "SQRT(", "ABS(", "INT(", "ROUND(", "MIN(", "MAX("};
 
 class ExpressionDialog : public WinDialog {
  public:
@@ -66,7 +67,7 @@ class ExpressionDialog : public WinDialog {
     if (control == kTryButton) {
       const std::string current = TrimBlanks(GetItemText(kEdit));
       if (current.empty()) {
-        ShowError(1035);
+        ShowError(kEnterExpressionText);
       } else {
         GridTryFormula(current.c_str());
       }
@@ -98,7 +99,7 @@ class ExpressionDialog : public WinDialog {
   void OnOK() override {
     const std::string current = TrimBlanks(GetItemText(kEdit));
     if (current.empty()) {
-      ShowError(1035);
+      ShowError(kEnterExpressionText);
       return;
     }
     if (GridCheckFormula(current.c_str()) == 0) return;

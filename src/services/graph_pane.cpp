@@ -10,6 +10,8 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
+#include "services/chart_option_words.h"
 #include "services/movable_block.h"
 #include "services/variables.h"
 #include "zvchart/zvchart.h"
@@ -64,7 +66,7 @@ bool Guarded(F&& grow) {
     grow();
     return true;
   } catch (const std::bad_alloc&) {
-    if (!gScratch.failed) ShowError(1001);
+    if (!gScratch.failed) ShowError(kNoMemoryText);
     gScratch.failed = true;
     return false;
   }
@@ -89,82 +91,6 @@ bool KeptHasKind(const GraphScratch& s, int32_t kind) {
   }
   return false;
 }
-
-// ---------------------------------------------------------------------------
-// The option blocks of ChartGetDefaults and ChartPutOptions: which record
-// fields the 660 integer words and the 15 reals stand for.
-
-struct WordRun {
-  uint16_t firstWord;
-  uint16_t offset;  // into PaneRecord
-  uint16_t count;
-};
-
-constexpr WordRun kIntegerWordRuns[] = {
-    {0, offsetof(PaneRecord, optionWord0), 1},
-    {1, offsetof(PaneRecord, optionWord1), 2},
-    {3, offsetof(PaneRecord, frameKind), 3},
-    {6, offsetof(PaneRecord, optionWords6to8), 3},
-    {9, offsetof(PaneRecord, tickSide), 3},
-    {12, offsetof(PaneRecord, minorOn), 3},
-    {15, offsetof(PaneRecord, tickLength), 3},
-    {18, offsetof(PaneRecord, optionWord18), 1},
-    {19, offsetof(PaneRecord, textStyleE), 6 * 20},   // E to J
-    {139, offsetof(PaneRecord, textStyleA), 4 * 20},  // A to D
-    {219, offsetof(PaneRecord, textStyleK), 4 * 20},  // K to N
-    {299, offsetof(PaneRecord, textStyleO), 20},
-    {639, offsetof(PaneRecord, legendOn), 1},
-    {640, offsetof(PaneRecord, optionWord640), 2},
-    {642, offsetof(PaneRecord, axisFixed), 4},
-    {646, offsetof(PaneRecord, viewAngle), 2},
-    {648, offsetof(PaneRecord, optionWord648), 1},
-    {653, offsetof(PaneRecord, optionWord653), 1},
-    {654, offsetof(PaneRecord, optionWord654), 2},
-    {656, offsetof(PaneRecord, optionWords656to659), 4},
-};
-// Words 319 to 638 carry one byte each of the record's option bytes.
-constexpr uint16_t kByteWordFirst = 319;
-constexpr uint16_t kByteWordCount = 320;
-constexpr uint16_t kByteWordOffset = offsetof(PaneRecord, optionBytes);
-
-constexpr WordRun kRealRuns[] = {
-    {0, offsetof(PaneRecord, optionReals0to3), 4},
-    {4, offsetof(PaneRecord, optionReals4to10), 7},
-    {11, offsetof(PaneRecord, legendBox), 4},
-};
-
-static_assert(offsetof(PaneRecord, textStyleE) + 6 * 80 == offsetof(PaneRecord, textStyleK));
-static_assert(offsetof(PaneRecord, textStyleA) + 4 * 80 == offsetof(PaneRecord, textStyleE));
-static_assert(offsetof(PaneRecord, textStyleK) + 4 * 80 == offsetof(PaneRecord, optionWord653));
-static_assert(offsetof(PaneRecord, tickLength) + 8 == offsetof(PaneRecord, optionWord17));
-static_assert(kByteWordFirst + kByteWordCount - 1 == 638);
-
-void OptionsFromRecord(const PaneRecord& pane, int32_t* words, double* reals) {
-  const auto* base = reinterpret_cast<const unsigned char*>(&pane);
-  for (const WordRun& run : kIntegerWordRuns) {
-    std::memcpy(words + run.firstWord, base + run.offset, run.count * sizeof(int32_t));
-  }
-  for (uint16_t i = 0; i < kByteWordCount; ++i)
-    words[kByteWordFirst + i] = base[kByteWordOffset + i];
-  for (const WordRun& run : kRealRuns) {
-    std::memcpy(reals + run.firstWord, base + run.offset, run.count * sizeof(double));
-  }
-}
-
-void OptionsToRecord(const int32_t* words, const double* reals, PaneRecord& pane) {
-  auto* base = reinterpret_cast<unsigned char*>(&pane);
-  for (const WordRun& run : kIntegerWordRuns) {
-    std::memcpy(base + run.offset, words + run.firstWord, run.count * sizeof(int32_t));
-  }
-  for (uint16_t i = 0; i < kByteWordCount; ++i) {
-    base[kByteWordOffset + i] = static_cast<unsigned char>(words[kByteWordFirst + i]);
-  }
-  for (const WordRun& run : kRealRuns) {
-    std::memcpy(base + run.offset, reals + run.firstWord, run.count * sizeof(double));
-  }
-}
-
-// ---------------------------------------------------------------------------
 
 int32_t TruncateToInt32(double v) {
   if (!(v > -2147483648.0)) return std::numeric_limits<int32_t>::min();  // NaN too
@@ -303,7 +229,7 @@ bool StoreText(PaneRecord& pane, const GraphScratch& s) {
   const uint64_t stringBytes = std::max<uint64_t>(strings, 1) * kTextStringBytes;
   const uint64_t numberBytes = std::max<uint64_t>(strings, 1) * kTextNumberWords * sizeof(double);
   if (numberBytes > std::numeric_limits<uint32_t>::max()) {
-    ShowError(1001);
+    ShowError(kNoMemoryText);
     return false;
   }
   pane.textItems = AllocGlobal(static_cast<uint32_t>(itemBytes));
@@ -349,7 +275,7 @@ Handle InterleavePairs(const GraphLists& lists, size_t pairs) {
   const size_t width = static_cast<size_t>(lists.pointWidth);
   const uint64_t bytes = static_cast<uint64_t>(pairs) * width * sizeof(double);
   if (bytes > std::numeric_limits<uint32_t>::max()) {
-    ShowError(1001);
+    ShowError(kNoMemoryText);
     return 0;
   }
   const Handle block = AllocGlobal(static_cast<uint32_t>(bytes));
@@ -378,7 +304,7 @@ bool ResizeList(std::vector<T>& list, size_t size) {
     list.resize(size);
     return true;
   } catch (const std::bad_alloc&) {
-    ShowError(1001);
+    ShowError(kNoMemoryText);
     return false;
   }
 }
@@ -458,6 +384,74 @@ int32_t BeginGraph(int32_t keepScales, int32_t rowCount) {
   ResetRecord(*pane, keep, s.restoring);
   s.active = true;
   return pane->graphId;
+}
+
+GraphStart StartFamilyGraph(PaneWindow* pane, int32_t slot, int32_t item) {
+  ProcedureState& state = *gStates[slot];
+  if (state.status != 0) {
+    BeginGraph(state.keepScales, state.rowCount);
+    AddText(LoadText(kNoResultsText), kTextMessage, 0, 1.0, 0);
+    EndGraph(pane, slot);
+    return {nullptr, 1};
+  }
+  const int32_t id = BeginGraph(state.keepScales, state.rowCount);
+  state.graphIds[item - 8] = id;
+  if (id == 0) {
+    EndGraph(pane, slot);
+    return {nullptr, 0};
+  }
+  return {gCurrentPane, 1};
+}
+
+void ElementWriter::Begin(int32_t points, int32_t pen, int32_t symbol) {
+  if (!enabled_) return;
+  if (element_ + 3 > lists_.elementTable.size()) {
+    overflowed_ = true;
+    return;
+  }
+  lists_.elementTable[element_++] = points;
+  lists_.elementTable[element_++] = pen;
+  lists_.elementTable[element_++] = symbol;
+}
+
+void ElementWriter::Point(double x, double y, double id) {
+  if (!enabled_) return;
+  if (point_ + 3 > lists_.elementPoints.size()) {
+    overflowed_ = true;
+    return;
+  }
+  lists_.elementPoints[point_++] = x;
+  lists_.elementPoints[point_++] = y;
+  lists_.elementPoints[point_++] = id;
+}
+
+void DrawLegend(const PaneRecord& record, std::string_view title,
+                const std::vector<std::string>& labels, ElementWriter& list) {
+  constexpr int32_t kFirstLegendLine = 10;
+  constexpr double kLegendSample = -2.0;
+  const double legendX = record.legendBox[0];
+  const double legendY = record.legendBox[1];
+  const double textOffset = record.legendBox[2];
+  const double lineHeight = record.legendBox[3];
+  const size_t count = std::min(labels.size(), kLegendCapacity);
+  SetTitleLine(title, 3);
+  gLegendTitle = std::string(title);
+  AddText("{3}", kTextLegend, legendX, legendY, 0.0);
+  for (size_t i = 0; i < count; ++i) {
+    const int32_t line = static_cast<int32_t>(i);
+    SetTitleLine(labels[i], kFirstLegendLine + line);
+    const std::string placeholder = {'{', static_cast<char>('A' + line), '}'};
+    AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - line) * lineHeight,
+            0.0);
+  }
+  for (size_t i = 0; i < count; ++i) {
+    const int32_t line = static_cast<int32_t>(i);
+    const double y =
+        (legendY + (-1 - line) * lineHeight) * record.scale[1].span + record.scale[1].low;
+    list.Begin(2, line + 1);
+    list.Point((legendX - 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
+    list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
+  }
 }
 
 void AddText(std::string_view text, int32_t kind, double x, double y, double z) {

@@ -66,6 +66,26 @@ inline constexpr size_t kShapeValues = 4;
 
 GraphLists& CurrentGraphLists();
 
+// Fills list A in the order the polylines are added, within the sizes that
+// the plot writer gave the lists from its own count. A write beyond them is
+// dropped and remembered, never made, so a miscount cannot write past a
+// list; plot writers assert in debug builds that nothing overflowed.
+class ElementWriter {
+ public:
+  // `enabled` false (the lists could not be had) writes and checks nothing.
+  ElementWriter(GraphLists& lists, bool enabled) : lists_(lists), enabled_(enabled) {}
+  void Begin(int32_t points, int32_t pen, int32_t symbol = 0);
+  void Point(double x, double y, double id);
+  bool overflowed() const { return overflowed_; }
+
+ private:
+  GraphLists& lists_;
+  bool enabled_;
+  bool overflowed_ = false;
+  size_t element_ = 0;
+  size_t point_ = 0;
+};
+
 // Resizes a list of the graph being built. false after ShowError 1001: the
 // list keeps its old size and the plot goes on without it.
 bool ResizeGraphList(std::vector<double>& list, size_t size);
@@ -78,6 +98,27 @@ bool ResizeGraphList(std::vector<int32_t>& list, size_t size);
 // Returns the graph identifier, for the state's graphIds[Item]; 0 after
 // ShowError 1001, and the graph then draws nothing.
 int32_t BeginGraph(int32_t keepScales, int32_t rowCount);
+
+// The start of a family's plot writer for graph `item` of the analysis in
+// `slot`. With `status` not 0 the graph is string 1101 alone, written here.
+// Without a pane record (RedoItem1 passes none), or when BeginGraph fails
+// (ShowError 1001 shown), nothing is drawn. In those cases `record` is null
+// and `result` is the writer's result (1 and 0); otherwise `record` is
+// gCurrentPane and the graph identifier is in the state's graphIds.
+struct GraphStart {
+  PaneRecord* record;
+  int32_t result;
+};
+GraphStart StartFamilyGraph(PaneWindow* pane, int32_t slot, int32_t item);
+
+// The legend of a plot with one series per label, in the pane's legend box:
+// `title` (title line 3) at the box's corner, and each label (title lines 10
+// up, shown through the placeholders {A}, {B}, ...) beside a short line
+// sample in pen i + 1, written to list A. At most kLegendCapacity labels are
+// drawn: count one polyline of two points for each of them.
+inline constexpr size_t kLegendCapacity = 26;
+void DrawLegend(const PaneRecord& record, std::string_view title,
+                const std::vector<std::string>& labels, ElementWriter& list);
 
 // Places the Host's added caption, interleaves list B, stores the text items
 // in the pane record and hands the whole graph to ChartDraw. The scratch is

@@ -4,7 +4,9 @@
 #include <cstddef>
 
 #include "frame/messages.h"
+#include "frame/string_ids.h"
 #include "services/movable_block.h"
+#include "services/variables.h"
 
 namespace zv {
 namespace {
@@ -14,9 +16,9 @@ constexpr double kPivotFloor = 1e-10;
 // Work memory of the inversion; a failure is reported with string 1004 (not
 // by AllocGlobal, whose string 1001 is for the columns and results).
 Handle AllocWork(int32_t count, size_t size) {
-  const uint64_t bytes = static_cast<uint64_t>(count < 1 ? 1 : count) * size;
-  const Handle block = bytes > UINT32_MAX ? 0 : WinGlobalAlloc(static_cast<uint32_t>(bytes));
-  if (block == 0) ShowError(1004);
+  const uint32_t bytes = BlockBytes(static_cast<uint64_t>(count < 1 ? 1 : count), size);
+  const Handle block = bytes == 0 ? 0 : WinGlobalAlloc(bytes);
+  if (block == 0) ShowError(kNoMemoryForCalculationText);
   return block;
 }
 
@@ -46,7 +48,7 @@ int32_t LuDecompose(double* a, int32_t n, int32_t* permutation, double* sign) {
       if (v > big) big = v;
     }
     if (big == 0.0) {
-      ShowError(1008);
+      ShowError(kSingularMatrixText);
       return 0;
     }
     scale[i] = 1.0 / big;
@@ -78,7 +80,7 @@ int32_t LuDecompose(double* a, int32_t n, int32_t* permutation, double* sign) {
     permutation[j] = pivot;
     // Written as "neither below nor above" so that a NaN pivot fails too.
     if (!(at(j, j) < -kPivotFloor) && !(at(j, j) > kPivotFloor)) {
-      ShowError(1008);
+      ShowError(kSingularMatrixText);
       return 0;
     }
     if (j != n - 1) {

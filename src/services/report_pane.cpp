@@ -5,6 +5,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/movable_block.h"
 #include "services/variables.h"
 #include "zvcounsel/zvcounsel.h"
@@ -52,7 +53,8 @@ void AppendAdvice(std::string& text, int32_t slot, int32_t item) {
   if (gAdviceBuffer == nullptr) return;
   gAdviceBuffer[0] = '\0';
   CounselWrite(gStates[slot], item, gAdviceBuffer, kAdviceBufferSize, 0, 0);
-  if (gAdviceEnabled) text += std::string_view(gAdviceBuffer, strnlen(gAdviceBuffer, kAdviceBufferSize));
+  if (gAdviceEnabled)
+    text += std::string_view(gAdviceBuffer, strnlen(gAdviceBuffer, kAdviceBufferSize));
 }
 
 void WriteGraphAdvice(int32_t slot, int32_t item) {
@@ -61,7 +63,16 @@ void WriteGraphAdvice(int32_t slot, int32_t item) {
 }
 
 int32_t WriteFailedPane(PaneWindow* pane, int32_t slot, int32_t item) {
-  return SetPaneText(pane, slot, item, LoadText(1101));
+  return SetPaneText(pane, slot, item, LoadText(kNoResultsText));
+}
+
+int32_t StatusString(std::span<const StatusText> table, int32_t status) {
+  for (const StatusText& row : table) {
+    if (row.status == status || row.status == kAnyOtherStatus) {
+      return row.string == kStatusOwnString ? status : row.string;
+    }
+  }
+  return status;
 }
 
 }  // namespace zv

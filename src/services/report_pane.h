@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "frame/host_records.h"
+#include "frame/string_ids.h"
 
 namespace zv {
 
@@ -27,5 +29,28 @@ void WriteGraphAdvice(int32_t slot, int32_t item);
 
 // The text of every pane but the summary of a failed analysis.
 int32_t WriteFailedPane(PaneWindow* pane, int32_t slot, int32_t item);
+
+// A family's status table: the string that its summary pane shows for a
+// `status`. The last row, with status kAnyOtherStatus, covers every other
+// value; its string kStatusOwnString shows the string of the status's own
+// number.
+struct StatusText {
+  int32_t status;
+  int32_t string;
+};
+inline constexpr int32_t kAnyOtherStatus = INT32_MIN;
+inline constexpr int32_t kStatusOwnString = 0;
+
+// The string number of `status` in `table`.
+int32_t StatusString(std::span<const StatusText> table, int32_t status);
+
+// The tables that several families share: the survival and Weibull
+// procedures (Life1, Life2, Weibull), and the charts over columns
+// (BubbleChart, DotDiagram).
+inline constexpr StatusText kLifeStatusTexts[] = {
+    {1, 1005}, {2, 1004}, {3, 1007}, {kAnyOtherStatus, kStatusOwnString}};
+inline constexpr StatusText kChartStatusTexts[] = {
+    {1, 1005}, {2, 1004},    {1004, 1004},           {3, 3023},
+    {4, 3903}, {1042, 1042}, {kAnyOtherStatus, 1025}};
 
 }  // namespace zv

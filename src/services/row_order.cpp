@@ -68,12 +68,6 @@ void OrderTies(int32_t* order, int32_t n, Equal equal) {
   }
 }
 
-// A movable block of `count` items of `size` bytes, or 0 after ShowError 1001.
-Handle AllocItems(int32_t count, size_t size) {
-  const uint64_t bytes = static_cast<uint64_t>(count) * size;
-  return AllocGlobal(bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
-}
-
 // Replaces the state's order by a fresh block of n int32, or clears it.
 ProcedureState* NewOrder(int32_t slot, int32_t n) {
   if (slot < 0 || slot >= kSlotCount || gStates[slot] == nullptr || n < 0) return nullptr;

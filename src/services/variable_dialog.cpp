@@ -5,6 +5,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/dialog_exchange.h"
 #include "services/variables.h"
 #include "zvgrid/zvgrid.h"
@@ -80,14 +81,16 @@ void VariableDialog::SetActiveField(int32_t field) {
     const int32_t arrow = layout_.fields[i].arrow;
     if (arrow == 0 || !HasControl(arrow)) continue;
     const bool active = static_cast<int32_t>(i) + 1 == field;
-    SetItemImage(arrow, WinLoadImage(gResourceModule, active ? "RARROWD" : "RARROWU", systemColors));
+    SetItemImage(arrow,
+                 WinLoadImage(gResourceModule, active ? "RARROWD" : "RARROWU", systemColors));
   }
 }
 
 int32_t VariableDialog::FieldOfControl(int32_t control, bool arrow) const {
   for (size_t i = 0; i < layout_.fields.size(); ++i) {
     const VariableField& f = layout_.fields[i];
-    if ((arrow ? f.arrow : f.control) == control && control != 0) return static_cast<int32_t>(i) + 1;
+    if ((arrow ? f.arrow : f.control) == control && control != 0)
+      return static_cast<int32_t>(i) + 1;
   }
   return 0;
 }
@@ -118,7 +121,8 @@ void VariableDialog::Transform() {
     const size_t before = caret == 0 ? std::string::npos : text.rfind('\n', caret - 1);
     lineStart = before == std::string::npos ? 0 : static_cast<int32_t>(before) + 1;
     const size_t after = text.find('\r', lineStart);
-    lineEnd = after == std::string::npos ? static_cast<int32_t>(text.size()) : static_cast<int32_t>(after);
+    lineEnd = after == std::string::npos ? static_cast<int32_t>(text.size())
+                                         : static_cast<int32_t>(after);
   }
   char buffer[kTransformLimit + 1] = {};
   const std::string line = text.substr(lineStart, lineEnd - lineStart);
@@ -139,7 +143,8 @@ void VariableDialog::Transform() {
   // In a list the old line gives way to the new one and its line end.
   size_t end = static_cast<size_t>(lineEnd);
   if (text.compare(end, 2, "\r\n") == 0) end += 2;
-  text.replace(static_cast<size_t>(lineStart), end - static_cast<size_t>(lineStart), edited + "\r\n");
+  text.replace(static_cast<size_t>(lineStart), end - static_cast<size_t>(lineStart),
+               edited + "\r\n");
   SetItemText(field.control, text);
   const int32_t line_number = LineFromChar(field.control, lineStart);
   ScrollToLine(field.control, std::max(0, line_number - 5));
@@ -171,7 +176,7 @@ void VariableDialog::OnOK() {
     for (size_t i = 0; i < fields.size(); ++i) {
       if (layout_.fields[i].isList &&
           SplitVariableLines(fields[i], nullptr, 0) < layout_.minListLines) {
-        ShowErrorNumber(1056, 1);
+        ShowErrorNumber(kFieldNeedsTwoColumnsText, 1);
         SetFocusItem(layout_.fields[i].control);
         return;
       }

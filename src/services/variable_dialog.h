@@ -7,13 +7,42 @@
 #include <string>
 #include <vector>
 
-#include "frame/families.h"
+#include "frame/host_records.h"
 #include "zvwin/zvwin.h"
 
 namespace zv {
 
 inline constexpr int32_t kHelpButton = 9;
 inline constexpr int32_t kListColumnLimit = 128;
+
+// A field of a family's variable dialog.
+struct VariableField {
+  int32_t control;    // the edit control
+  int32_t arrow;      // its arrow button; 0 when the field has none
+  int32_t maxLength;  // characters
+  bool isList;        // one column name per line (CheckVariableList)
+  bool allowEmpty;
+  bool allowText;  // a character column is acceptable
+  bool isSelect;   // the select expression
+  // Where the text comes back from on reopen: a binding index; for a list
+  // field the first binding of the list.
+  int32_t binding;
+  // For a list field: 0 the whole second list, 1 its first half, 2 its second
+  // half (the two lists of a life table share the second list).
+  int32_t listPart = 0;
+};
+
+struct VariableDialogLayout {
+  uint32_t templateId;
+  int32_t helpId;
+  const char* caption;  // nullptr keeps the template's caption
+  std::vector<VariableField> fields;
+  int32_t listControl = 114;
+  int32_t sortControl = 115;
+  int32_t transformControl = 0;   // 0 when the dialog has no Transform button
+  bool expressionDialog = false;  // Transform opens the module's expression dialog
+  int32_t minListLines = 0;       // a list with fewer lines is refused (string 1056)
+};
 
 class VariableDialog : public WinDialog {
  public:

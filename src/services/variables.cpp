@@ -8,6 +8,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/movable_block.h"
 #include "zvgrid/zvgrid.h"
 
@@ -27,7 +28,9 @@ bool EqualNoCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
 
 // The sheet's column names, each cut at its terminator.
 std::vector<std::string> ColumnNames() {
@@ -115,8 +118,22 @@ bool ReadColumn(Handle* data, int32_t slot, int32_t column, char type, int32_t w
 
 Handle AllocGlobal(uint32_t bytes) {
   const Handle block = WinGlobalAlloc(bytes);
-  if (block == 0) ShowError(1001);
+  if (block == 0) ShowError(kNoMemoryText);
   return block;
+}
+
+uint32_t BlockBytes(uint64_t count, uint64_t size) {
+  if (size != 0 && count > UINT32_MAX / size) return 0;
+  return static_cast<uint32_t>(std::max<uint64_t>(count * size, 1));
+}
+
+Handle AllocItems(uint64_t count, uint64_t size) {
+  const uint32_t bytes = BlockBytes(count, size);
+  if (bytes == 0) {
+    ShowError(kNoMemoryText);
+    return 0;
+  }
+  return AllocGlobal(bytes);
 }
 
 void FreeGlobal(Handle* block) {
@@ -127,7 +144,7 @@ void FreeGlobal(Handle* block) {
 int32_t ResolveVariable(std::string_view expression, Handle* data, int32_t slot, char* type,
                         int32_t* width, int32_t* rows) {
   if (IsBlankText(expression)) {
-    ShowError(1009);
+    ShowError(kVariableNeededText);
     return 0;
   }
   const std::string trimmed = TrimBlanks(expression);
@@ -277,7 +294,7 @@ int32_t CheckVariable(int32_t position, std::string_view expression, bool allowE
                       bool allowText) {
   if (allowEmpty && IsBlankText(expression)) return 1;
   if (position >= 1 && IsBlankText(expression)) {
-    ShowErrorNumber(1019, position);
+    ShowErrorNumber(kFieldRequiredText, position);
     return 0;
   }
   char type = 'N';
@@ -286,7 +303,7 @@ int32_t CheckVariable(int32_t position, std::string_view expression, bool allowE
   if (ResolveVariable(expression, nullptr, -1, &type, &width, &rows) == 0) return 0;
   if (type == 'C') {
     if (allowText) return 1;
-    if (position >= 1) ShowErrorNumber(1022, position);
+    if (position >= 1) ShowErrorNumber(kFieldIsCharacterText, position);
     return 0;
   }
   if (gHost != nullptr && rows != gHost->rowCount) {
@@ -319,8 +336,8 @@ int32_t SplitVariableLines(std::string_view lines, std::string* out, int32_t cap
   return count;
 }
 
-int32_t CheckVariableList(int32_t position, std::string_view lines, bool allowEmpty,
-                          bool allowText, int32_t maximum) {
+int32_t CheckVariableList(int32_t position, std::string_view lines, bool allowEmpty, bool allowText,
+                          int32_t maximum) {
   const int32_t count = SplitVariableLines(lines, nullptr, 0);
   std::vector<std::string> entries(static_cast<size_t>(count));
   SplitVariableLines(lines, entries.data(), count);
@@ -328,14 +345,11 @@ int32_t CheckVariableList(int32_t position, std::string_view lines, bool allowEm
     if (CheckVariable(position, line, allowEmpty, allowText) == 0) return 0;
   }
   if (count == 0 && !allowEmpty) {
-    ShowErrorNumber(1019, position);
+    ShowErrorNumber(kFieldRequiredText, position);
     return 0;
   }
   if (count > maximum) {
-    char buffer[92];
-    const std::string format = LoadText(1128);
-    std::snprintf(buffer, sizeof buffer, format.c_str(), position, maximum);
-    ShowErrorText(buffer);
+    ShowErrorText(FormatText(kFieldListTooLongText, 92, position, maximum));
     return 0;
   }
   return 1;

@@ -29,8 +29,8 @@ int32_t LoadSpecialVariables(int32_t slot);
 // Dialog checks; `position` is the field number shown in messages, 0 silent.
 int32_t CheckVariable(int32_t position, std::string_view expression, bool allowEmpty,
                       bool allowText);
-int32_t CheckVariableList(int32_t position, std::string_view lines, bool allowEmpty,
-                          bool allowText, int32_t maximum);
+int32_t CheckVariableList(int32_t position, std::string_view lines, bool allowEmpty, bool allowText,
+                          int32_t maximum);
 void CountVariableLines(int32_t slot, std::string_view lines);
 // The non-empty lines of a line list, trimmed (the rule CheckVariableList and
 // CountVariableLines count by).
@@ -48,6 +48,13 @@ int32_t EditHasText(const WinDialog& dialog, int32_t control);
 
 // A movable block of `bytes`, or 0 after ShowError 1001.
 Handle AllocGlobal(uint32_t bytes);
+// The one guard of a block's size: the bytes of `count` items of `size`
+// bytes, at least 1, when a block can hold them (below 4 GiB, the product not
+// overflowing); 0 when it cannot.
+uint32_t BlockBytes(uint64_t count, uint64_t size);
+// AllocGlobal of BlockBytes(count, size); 0 after ShowError 1001, also when
+// the size is beyond what a block can hold.
+Handle AllocItems(uint64_t count, uint64_t size);
 // Frees *block if set and clears it.
 void FreeGlobal(Handle* block);
 

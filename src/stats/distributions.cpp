@@ -6,7 +6,7 @@
 #include <limits>
 #include <numbers>
 
-#include "frame/host_records.h"
+#include "frame/missing_value.h"
 #include "stats/gauss_legendre.h"
 #include "stats/guarded_math.h"
 #include "stats/special_functions.h"

@@ -1,7 +1,12 @@
 // The elementary functions that every numeric path of the module goes
 // through. An argument outside a function's domain raises SilentAbort instead
-// of producing a NaN or an infinity that would print as garbage; nothing in
-// the module catches it, so the host's dispatch ends the operation silently.
+// of producing a NaN or an infinity that would print as garbage. The guards
+// are comparisons, and a NaN fails none of them: a NaN argument gives a NaN
+// result, and an infinite one (or a power that overflows) an infinite
+// result. Callers keep NaN out themselves; the start of the beta quantile
+// even relies on a NaN passing through for p below 1.1e-16. Nothing in the
+// module catches SilentAbort, so the host's dispatch ends the operation
+// silently.
 #pragma once
 
 namespace zv {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "frame/host_records.h"
+#include "frame/missing_value.h"
 
 namespace zv {
 

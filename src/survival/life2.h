@@ -16,8 +16,10 @@ namespace zv {
 void Life2WriteDefaults(ProcedureState& state);
 
 // The whole computation: groups, row order, estimates and, with more than one
-// group, the comparison tests. Always 1 with `status` telling whether results
-// exist: 2 out of memory, 1069 a time at or below 0 (or no time at all).
+// group, the comparison tests. 1 when the results exist. 0 when they do not:
+// `status` 2 out of memory, 1069 a time at or below 0 (or no time at all);
+// `status` stays 0 with no group after a group sort that failed and showed
+// its message. Begin ignores the result and the panes read `status`.
 int32_t Life2Prepare(int32_t slot, int32_t unused);
 
 // Forms the groups from the group column (bindings[2]), or one group without
@@ -45,7 +47,8 @@ int32_t Life2ComparisonPane(PaneWindow* pane, int32_t slot, int32_t item, int32_
 int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind);
 
 // The texts of the three report panes, as SetPaneText receives them (with the
-// advice text when it is enabled).
+// advice text when it is enabled). The percentile and comparison texts need
+// results (`status` 0): their panes show WriteFailedPane's text otherwise.
 std::string Life2SummaryText(int32_t slot);
 std::string Life2PercentileText(int32_t slot);
 std::string Life2ComparisonText(int32_t slot);

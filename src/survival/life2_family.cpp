@@ -1,10 +1,11 @@
 // The product-limit procedure's row of the Families table: its variable
 // dialog, the variables Begin loads, the option defaults, the computation,
 // the pane writers, the option dialogs and the interpretation.
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 #include "survival/survival_dialogs.h"
+#include "survival/survival_strings.h"
 
 namespace zv {
 namespace {
@@ -36,10 +37,6 @@ int32_t OptionsDialog(int32_t slot, int32_t item) {
   if (item == 2) return RunPercentilesDialog(state);
   if (item == 8) return RunLimitsDialog(state, kShowConfidenceLimits);
   return -1;
-}
-
-int32_t Options(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record) {
-  return StandardOptions(kLife2Family, pane, slot, item, record, OptionsDialog);
 }
 
 const VariableDialogLayout kDialog{
@@ -96,14 +93,13 @@ void Life2WriteDefaults(ProcedureState& state) {
 
 const FamilyInfo kLife2Family{
     .name = "Life2",
-    .procedureCode = 5764,
+    .procedureCode = kLife2Code,
     .helpId = 33006,
-    .titleString = 5764,
+    .titleString = kLife2Title,
     .titleEntry = 0,
     .firstListCount = 3,
     .secondListCount = 0,
     .lineListEntry = -1,
-    .hasSelect = true,
     .textOptionsMask = 2,
     .graphOptionsMask = 1,
     .setsExtraStale = false,
@@ -116,7 +112,7 @@ const FamilyInfo kLife2Family{
     .writeDefaults = Life2WriteDefaults,
     .compute = Compute,
     .writePane = WritePane,
-    .options = Options,
+    .optionsDialog = OptionsDialog,
     .interpret = InterpretLife2,
 };
 

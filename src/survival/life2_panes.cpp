@@ -1,20 +1,21 @@
 // The three report panes of the product-limit procedure: the estimates of
 // every group, the percentile table, and the comparison of the groups.
-#include <charconv>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
-#include "frame/families.h"
 #include "frame/messages.h"
+#include "frame/string_ids.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
 #include "services/report_pane.h"
+#include "services/report_text.h"
 #include "services/variables.h"
 #include "survival/group_tests.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 #include "survival/product_limit.h"
+#include "survival/survival_strings.h"
 
 namespace zv {
 namespace {
@@ -29,53 +30,8 @@ constexpr std::string_view kComparisonRule =
 static_assert(kSummaryRule.size() == 94 && kPercentileRule.size() == 45 &&
               kComparisonRule.size() == 67);
 
-// A whole number left-justified in `width` characters, as "%-7d" and the
-// like print it (the tables print one per cell of every row).
-void AppendInt(std::string& text, int64_t value, int width) {
-  char buffer[24];
-  const char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-  const size_t length = static_cast<size_t>(end - buffer);
-  text.append(buffer, length);
-  if (length < static_cast<size_t>(width)) text.append(static_cast<size_t>(width) - length, ' ');
-}
-
-void AppendNumber(std::string& text, double value) {
-  char buffer[kNumberTextSize];
-  text.append(buffer, static_cast<size_t>(FormatNumber(buffer, value, 16)));
-}
-
-void AppendNumberLeft(std::string& text, double value, int32_t width) {
-  char buffer[kNumberTextSize];
-  FormatNumberLeft(buffer, value, width);
-  text.append(buffer, static_cast<size_t>(width));
-}
-
-// FormatFixedTrimmed at width 15 with 4 decimals, blank-padded to `pad`
-// characters (0: as it stands).
-void AppendFixed(std::string& text, double value, size_t pad) {
-  char buffer[kNumberTextSize];
-  FormatFixedTrimmed(buffer, value, 15, 4);
-  const std::string_view cell(buffer);
-  text.append(cell);
-  if (cell.size() < pad) text.append(pad - cell.size(), ' ');
-}
-
 void AppendLabel(std::string& text, const char* labels, int32_t group) {
   text.append(labels + static_cast<size_t>(group) * kGroupLabelWidth, kGroupLabelWidth);
-}
-
-// The text that stands for a status in the summary pane.
-int32_t StatusString(int32_t status) {
-  switch (status) {
-    case 1:
-      return 1005;
-    case 2:
-      return 1004;
-    case 3:
-      return 1007;
-    default:
-      return status;
-  }
 }
 
 // The columns of the state that the panes read, locked together.
@@ -160,18 +116,20 @@ std::string Life2SummaryText(int32_t slot) {
   constexpr size_t kSummaryLine = 96;
   std::string text;
   text.reserve(kReportReserve + kSummaryLine * static_cast<size_t>(state.rowCount));
-  text.append(LoadText(5732 + 1)).append(kEnd).append(kEnd);
-  text.append(LoadText(3001)).append(ExpressionOf(state.bindings[kTimeBinding])).append(kEnd);
+  text.append(LoadText(kAnalysisSummaryHeading)).append(kEnd).append(kEnd);
+  text.append(LoadText(kDataVariableLabel))
+      .append(ExpressionOf(state.bindings[kTimeBinding]))
+      .append(kEnd);
   if (!censorText.empty()) text.append("Censoring: ").append(censorText).append(kEnd);
   if (!groupText.empty()) {
     text.append("Groups: ").append(groupText).append(kEnd);
     text.append("Number of groups = ");
     text.append(std::to_string(groups)).append(kEnd);
   }
-  if (!selectText.empty()) text.append(LoadText(3002)).append(selectText).append(kEnd);
+  if (!selectText.empty()) text.append(LoadText(kSelectLabel)).append(selectText).append(kEnd);
   text.append(kEnd);
   if (state.status != 0) {
-    text.append(LoadText(StatusString(state.status))).append(kEnd);
+    text.append(LoadText(StatusString(kLifeStatusTexts, state.status))).append(kEnd);
     return text;
   }
   text.append("Product-Limit (Kaplan-Meier) Estimates\r\n\r\n");
@@ -194,7 +152,6 @@ std::string Life2SummaryText(int32_t slot) {
 
 std::string Life2PercentileText(int32_t slot) {
   ProcedureState& state = StateOf(slot);
-  if (state.status != 0) return LoadText(1101);
   const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
   const int32_t groups = Get(state, kGroupCount);
   Set(state, kFirstPercentile, kMissingValue);
@@ -239,7 +196,6 @@ std::string Life2PercentileText(int32_t slot) {
 
 std::string Life2ComparisonText(int32_t slot) {
   ProcedureState& state = StateOf(slot);
-  if (state.status != 0) return LoadText(1101);
   const int32_t groups = Get(state, kGroupCount);
   std::string text;
   text.reserve(kReportReserve);
@@ -277,9 +233,7 @@ std::string Life2ComparisonText(int32_t slot) {
   AppendFixed(text, rows == 0 ? kMissingValue : static_cast<double>(rows - failed) / rows, 0);
   text.append(kEnd).append(kEnd);
   if (groups > kMaxComparedGroups) {
-    char refusal[200];
-    std::snprintf(refusal, sizeof refusal, LoadText(1070).c_str(), kMaxComparedGroups);
-    text.append(refusal).append(kEnd);
+    text.append(FormatText(kTooManyGroupsText, 200, kMaxComparedGroups)).append(kEnd);
   } else if (groups > 1) {
     const double logrankP = Get(state, kLogrankPValue);
     const double wilcoxonP = Get(state, kWilcoxonPValue);
@@ -309,10 +263,12 @@ int32_t Life2SummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t /
 }
 
 int32_t Life2PercentilePane(PaneWindow* pane, int32_t slot, int32_t item, int32_t /*unused*/) {
+  if (StateOf(slot).status != 0) return WriteFailedPane(pane, slot, item);
   return SetPaneText(pane, slot, item, Life2PercentileText(slot));
 }
 
 int32_t Life2ComparisonPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t /*unused*/) {
+  if (StateOf(slot).status != 0) return WriteFailedPane(pane, slot, item);
   return SetPaneText(pane, slot, item, Life2ComparisonText(slot));
 }
 

@@ -2,11 +2,13 @@
 // function (with confidence limits for a single group), the log survival
 // function and the cumulative hazard. Only failures make steps.
 #include <algorithm>
+#include <cassert>
 #include <string>
+#include <vector>
 
-#include "frame/families.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "protocol/families.h"
 #include "services/axes.h"
 #include "services/graph_pane.h"
 #include "services/movable_block.h"
@@ -24,8 +26,6 @@ constexpr int32_t kDrawnGroups = 20;  // further groups are left out of a plot
 constexpr int32_t kGraphMenu = 0xBB00;
 constexpr int32_t kLimitsPen = 6;
 constexpr double kLinePoint = -1.0;
-constexpr double kLegendSample = -2.0;
-constexpr int32_t kFirstLegendLine = 10;
 
 struct PlotKind {
   const char* title;
@@ -36,32 +36,6 @@ constexpr PlotKind kKinds[] = {
     {"Estimated Survival Function", "survival probability", 1.0},
     {"Estimated Log Survival Function", "log survival probability", 0.0},
     {"Estimated Cumulative Hazard Function", "cumulative hazard", 0.0},
-};
-
-// Fills list A in the order the polylines are added, up to the sizes
-// allocated from the exact counts; without lists it only keeps count.
-class PolylineWriter {
- public:
-  PolylineWriter(GraphLists& lists, bool enabled) : lists_(lists), enabled_(enabled) {}
-
-  void Begin(int32_t points, int32_t pen) {
-    if (!enabled_) return;
-    lists_.elementTable[element_++] = points;
-    lists_.elementTable[element_++] = pen;
-    lists_.elementTable[element_++] = 0;
-  }
-  void Point(double x, double y, double id) {
-    if (!enabled_) return;
-    lists_.elementPoints[point_++] = x;
-    lists_.elementPoints[point_++] = y;
-    lists_.elementPoints[point_++] = id;
-  }
-
- private:
-  GraphLists& lists_;
-  bool enabled_;
-  size_t element_ = 0;
-  size_t point_ = 0;
 };
 
 // The y value of a failure row in a plot of `kind`.
@@ -78,19 +52,14 @@ bool LastRowWithdrawn(const SurvivalGroup& g) {
 }  // namespace
 
 int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind) {
+  const GraphStart graph = StartFamilyGraph(pane, slot, item);
+  if (graph.record == nullptr) return graph.result;
+  PaneRecord& record = *graph.record;
   ProcedureState& state = StateOf(slot);
-  if (state.status != 0) {
-    BeginGraph(state.keepScales, state.rowCount);
-    AddText(LoadText(1101), kTextMessage, 0, 1.0, 0);
-    EndGraph(pane, slot);
-    return 1;
-  }
   const PlotKind& plot = kKinds[kind];
   const VariableBinding& time = state.bindings[kTimeBinding];
   const int32_t drawn = std::min(Get(state, kGroupCount), kDrawnGroups);
   const bool censored = Get(state, kHasCensoring) != 0;
-  state.graphIds[item - 8] = BeginGraph(state.keepScales, state.rowCount);
-  PaneRecord& record = *gCurrentPane;
 
   LockedBlock<const int32_t> order(state.bindings[kSortOrderBinding].data);
   LockedBlock<const double> times(time.data);
@@ -133,7 +102,7 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
     lists.elementTable.clear();
     lists.elementPoints.clear();
   }
-  PolylineWriter list(lists, haveLists);
+  ElementWriter list(lists, haveLists);
 
   SetAxisAuto(1, 0.0, time.maximum, time.type);
   const double axisEnd = record.scale[0].low + record.scale[0].span;
@@ -165,9 +134,9 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
 
   double leastY = 0.0;
   double greatestY = 0.0;
-  int32_t start = 0;
+  int32_t first = 0;
   for (int32_t g = 0; g < drawn; ++g) {
-    const SurvivalGroup group = groupAt(start, g);
+    const SurvivalGroup group = groupAt(first, g);
     list.Begin(2 + 2 * counts[groups + g], g + 1);
     double level = plot.startLevel;
     list.Point(0.0, level, kLinePoint);
@@ -175,7 +144,7 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
       if (IsWithdrawn(group, k)) continue;
       const double t = times[group.rows[k]];
       list.Point(t, level, kLinePoint);
-      level = StepLevel(kind, survival[start + k], hazard[start + k]);
+      level = StepLevel(kind, survival[first + k], hazard[first + k]);
       list.Point(t, level, kLinePoint);
       if (level != kMissingValue) {
         leastY = std::min(leastY, level);
@@ -185,7 +154,7 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
     const double endX =
         group.count == 0 || !LastRowWithdrawn(group) ? axisEnd : times[group.rows[group.count - 1]];
     list.Point(endX, level, kLinePoint);
-    start += group.count;
+    first += group.count;
   }
 
   if (kind == 0) {
@@ -207,30 +176,16 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
   DrawAxisLabels(2, 1, 1);
 
   if (drawn > 1) {
-    const std::string_view groupText = ExpressionOf(state.bindings[kGroupBinding]);
     LockedBlock<const char> labels(state.bindings[kGroupLabelsBinding].data);
-    const double legendX = record.legendBox[0];
-    const double legendY = record.legendBox[1];
-    const double textOffset = record.legendBox[2];
-    const double lineHeight = record.legendBox[3];
-    SetTitleLine(groupText, 3);
-    gLegendTitle = std::string(groupText);
-    AddText("{3}", kTextLegend, legendX, legendY, 0.0);
+    std::vector<std::string> legend;
     for (int32_t i = 0; i < drawn; ++i) {
-      const std::string_view label(labels.get() + static_cast<size_t>(i) * kGroupLabelWidth,
-                                   kGroupLabelWidth);
-      SetTitleLine(TrimBlanks(label), kFirstLegendLine + i);
-      const std::string placeholder = {'{', static_cast<char>('A' + i), '}'};
-      AddText(placeholder, kTextLegend, legendX + textOffset, legendY + (-1 - i) * lineHeight, 0.0);
+      legend.push_back(TrimBlanks(std::string_view(
+          labels.get() + static_cast<size_t>(i) * kGroupLabelWidth, kGroupLabelWidth)));
     }
-    for (int32_t i = 0; i < drawn; ++i) {
-      const double y =
-          (legendY + (-1 - i) * lineHeight) * record.scale[1].span + record.scale[1].low;
-      list.Begin(2, i + 1);
-      list.Point((legendX - 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
-      list.Point((legendX + 0.03) * record.scale[0].span + record.scale[0].low, y, kLegendSample);
-    }
+    DrawLegend(record, ExpressionOf(state.bindings[kGroupBinding]), legend, list);
   }
+
+  assert(!list.overflowed() && "list A was counted short");
 
   // Nothing of the state stays locked while the chart library and the advice
   // library have the state.

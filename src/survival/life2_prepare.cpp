@@ -7,18 +7,20 @@
 #include <string>
 #include <string_view>
 
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
+#include "services/report_text.h"
 #include "services/row_order.h"
 #include "services/variables.h"
+#include "services/work_blocks.h"
 #include "stats/special_functions.h"
 #include "survival/group_tests.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 #include "survival/product_limit.h"
-#include "survival/survival_blocks.h"
 #include "survival/survival_order.h"
+#include "survival/survival_strings.h"
 
 namespace zv {
 namespace {
@@ -35,9 +37,7 @@ std::string NumericLabel(double value) {
   if (value == std::trunc(value) && std::fabs(value) < 2147483648.0) {
     return std::to_string(static_cast<int32_t>(value));
   }
-  char buffer[kNumberTextSize];
-  FormatNumber(buffer, value, 16);
-  return buffer;
+  return NumberText(value);
 }
 
 // Forms the groups of a group column in the order `order` gives (ascending
@@ -242,7 +242,7 @@ int32_t Life2Prepare(int32_t slot, int32_t /*unused*/) {
     }
     Set(state, kSmallestTime, smallest);
     if (!(0.0 < smallest)) {
-      state.status = 1069;
+      state.status = kNonPositiveTimeText;
       return 0;
     }
   }

@@ -1,7 +1,7 @@
 #include "survival/survival_dialogs.h"
 
 #include "services/dialog_exchange.h"
-#include "services/variable_dialog.h"
+#include "services/option_dialog.h"
 #include "survival/life2_state.h"
 #include "zvwin/zvwin.h"
 
@@ -11,42 +11,6 @@ namespace {
 constexpr int32_t kFirstPercentileControl = 141;
 constexpr int32_t kLimitsCheckBox = 107;
 constexpr int32_t kLevelControl = 141;
-
-// A modal dialog over plain members: loads them into the controls when it
-// opens and reads and checks them on OK, staying open after a refusal.
-class OptionDialog : public WinDialog {
- public:
-  OptionDialog(uint32_t templateId, int32_t helpId) : WinDialog(templateId), helpId_(helpId) {}
-
-  bool OnInitDialog() override {
-    SetHelpContext(helpId_);
-    DataExchange dx{*this, false};
-    Exchange(dx);
-    return true;
-  }
-  void OnOK() override {
-    DataExchange dx{*this, true};
-    Exchange(dx);
-    if (dx.failed) return;
-    SetHelpContext(0);
-    EndDialog(kIdOk);
-  }
-  void OnCancel() override {
-    SetHelpContext(0);
-    EndDialog(kIdCancel);
-  }
-  void OnCommand(int32_t control, int32_t /*notification*/) override {
-    if (control == kHelpButton) {
-      WinHelp(window(), "zvwin.hlp", kHelpContext, static_cast<uint32_t>(helpId_));
-    }
-  }
-
- protected:
-  virtual void Exchange(DataExchange& dx) = 0;
-
- private:
-  int32_t helpId_;
-};
 
 class PercentilesDialog : public OptionDialog {
  public:

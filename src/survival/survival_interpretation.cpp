@@ -4,63 +4,43 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
-#include "services/number_format.h"
+#include "frame/string_ids.h"
+#include "services/report_text.h"
 #include "services/variables.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
+#include "survival/survival_strings.h"
 
 namespace zv {
 namespace {
 
-std::string Number(double value) {
-  char buffer[kNumberTextSize];
-  FormatNumber(buffer, value, 16);
-  return buffer;
-}
-
-// A string-table format with one argument, expanded in the module's
-// interpretation buffer.
-template <class T>
-std::string Formatted(int32_t stringNumber, T argument) {
-  std::snprintf(gInterpretBuffer, sizeof gInterpretBuffer, LoadText(stringNumber).c_str(),
-                argument);
-  return gInterpretBuffer;
-}
-
 // The conclusion of the group tests from the smaller of the two P-values.
 int32_t ConclusionString(double p) {
-  if (p < 0.01) return 5604;
-  if (p < 0.05) return 5605;
-  if (p < 0.1) return 5606;
-  return 5607;
+  if (p < 0.01) return kDifferAt1Sentence;
+  if (p < 0.05) return kDifferAt5Sentence;
+  if (p < 0.1) return kDifferAt10Sentence;
+  return kNoDifferenceSentence;
 }
 
 }  // namespace
 
-std::string JoinSentences(const std::vector<std::string>& sentences) {
-  if (sentences.empty()) return {};
-  std::string text = "   ";
-  for (size_t i = 0; i < sentences.size(); ++i) {
-    if (i > 0) text += "  ";
-    text += sentences[i];
-  }
-  return text + "\r\n\r\n";
-}
-
 std::vector<std::string> PercentileSentences(const ProcedureState& state) {
-  std::vector<std::string> sentences = {LoadText(8977), LoadText(8978)};
+  std::vector<std::string> sentences = {LoadText(kPercentileTableSentence),
+                                        LoadText(kPercentileErrorSentence)};
   const double first = Get(state, kFirstPercentile);
   if (first != kMissingValue) {
-    sentences.push_back(LoadText(8979) + Number(first) + LoadText(8980) +
-                        Number(Get(state, kFirstPercentileEstimate)) + ".");
+    sentences.push_back(LoadText(kPercentileTimePrefix) + NumberText(first) +
+                        LoadText(kPercentileTimeMiddle) +
+                        NumberText(Get(state, kFirstPercentileEstimate)) + ".");
   }
-  sentences.push_back(LoadText(8981));
+  sentences.push_back(LoadText(kPercentileUnreachedSentence));
   return sentences;
 }
 
 std::string LimitsSentence(const ProcedureState& state, FamilyField<int32_t> flag) {
-  if (Get(state, flag) == 0) return LoadText(8986);
-  return LoadText(8987) + Number(Get(state, kConfidenceLevel)) + LoadText(8988);
+  if (Get(state, flag) == 0) return LoadText(kLimitsOfferedSentence);
+  return LoadText(kLimitsShownPrefix) + NumberText(Get(state, kConfidenceLevel)) +
+         LoadText(kLimitsShownSuffix);
 }
 
 void InterpretLife2(const ProcedureState& state, int32_t item, std::string& out) {
@@ -69,35 +49,35 @@ void InterpretLife2(const ProcedureState& state, int32_t item, std::string& out)
   switch (item) {
     case 1: {
       const std::string time(ExpressionOf(state.bindings[kTimeBinding]));
-      sentences = {Formatted(8997, time.c_str()),
-                   LoadText(8998),
-                   LoadText(8999),
-                   LoadText(5600),
-                   LoadText(5601),
-                   LoadText(5602)};
+      sentences = {FormatText(kSummaryTableSentence, kInterpretBufferSize, time.c_str()),
+                   LoadText(kSummaryColumnsSentence),
+                   LoadText(kSummaryStepsSentence),
+                   LoadText(kMeanAreaSentence),
+                   LoadText(kMeanUnderestimateSentence),
+                   LoadText(kPercentilePointerSentence)};
       break;
     }
     case 2:
       sentences = PercentileSentences(state);
       break;
     case 3: {
-      sentences = {LoadText(8982), LoadText(8983)};
+      sentences = {LoadText(kComparisonTableSentence), LoadText(kComparisonWithdrawalSentence)};
       const double p = Get(state, kSmallestPValue);
       if (groups > 1 && p != kMissingValue) {
-        sentences.push_back(Formatted(5603, groups));
+        sentences.push_back(FormatText(kGroupTestsSentence, kInterpretBufferSize, groups));
         sentences.push_back(LoadText(ConclusionString(p)));
       }
       break;
     }
     case 8:
-      sentences = {LoadText(8984), LoadText(8985)};
+      sentences = {LoadText(kSurvivalPlotSentence), LoadText(kSurvivalStepsSentence)};
       if (groups == 1) sentences.push_back(LimitsSentence(state, kShowConfidenceLimits));
       break;
     case 9:
-      sentences = {LoadText(8989), LoadText(8990)};
+      sentences = {LoadText(kLogSurvivalPlotSentence), LoadText(kLogSurvivalLineSentence)};
       break;
     case 10:
-      sentences = {LoadText(8991), LoadText(8992)};
+      sentences = {LoadText(kHazardPlotSentence), LoadText(kHazardSlopeSentence)};
       break;
     default:
       break;

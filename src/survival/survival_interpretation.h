@@ -10,10 +10,6 @@
 
 namespace zv {
 
-// The text of the sentences: opened by three blanks, separated by two, and
-// closed by two line ends; empty without sentences.
-std::string JoinSentences(const std::vector<std::string>& sentences);
-
 // The sentences of the percentile pane, shared by the product-limit and life
 // table procedures: with the first percentile of the last build and its
 // estimate when there is one.

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <limits>
 
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "services/movable_block.h"
+#include "services/work_blocks.h"
 #include "survival/life2_state.h"
-#include "survival/survival_blocks.h"
 
 namespace zv {
 

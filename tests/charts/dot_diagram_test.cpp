@@ -1,14 +1,15 @@
 // DotDiagram from the Host's calls to what the pane shows and what the chart
 // library was handed.
+#include "charts/dot_diagram.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "charts/dot_diagram.h"
-#include "frame/exports.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
-#include "frame/protocol.h"
+#include "protocol/exports.h"
+#include "protocol/protocol.h"
 #include "support/module_fixture.h"
 #include "zvchart/chart_host.h"
 
@@ -20,26 +21,15 @@ class DotDiagramTest : public ModuleFixture {
  protected:
   zv::ProcedureState& Run(const char* csv, const char* variable, const char* select) {
     LoadSheet(csv);
-    Script({{9969, {DialogAction::SetText(116, variable), DialogAction::SetText(117, select),
-                    DialogAction::Press(kIdOk)}}});
-    EXPECT_EQ(DotDiagramDialog(0, host.get(), sheet.get(), frame.get(), 0, 0), 1);
-    zv::ProcedureState& state = NewState(0);
-    DotDiagramSetup(0, &state, view.get(), entryList, 0, 0);
-    StoreEntryList(state, entryList, true);
-    EXPECT_EQ(DotDiagramBegin(0, 0, 0), 1);
-    return state;
+    return RunFamily(zv::kDotDiagramFamily, {variable}, select);
   }
-  std::string Pane(int32_t item) {
-    DotDiagramItem(pane.get(), 0, item, paneRecord.get(), 0);
-    return WinGetWindowText(pane->window);
-  }
+  std::string Pane(int32_t item) { return PaneText(zv::kDotDiagramFamily, item); }
   // The dots the chart library received for the pane's graph.
   std::vector<double> Dots() {
     const zvchart::StoredGraph* graph = zvchart::FindGraph(paneRecord->graphId);
     if (graph == nullptr || graph->elements.empty()) return {};
     return graph->elements[0].values;
   }
-  char entryList[zv::kEntryListBytes] = {};
 };
 
 TEST_F(DotDiagramTest, SummaryPaneText) {
@@ -90,10 +80,11 @@ TEST_F(DotDiagramTest, ClassesTakeTheLowerEdgeInTheFirstClassAndInnerEdgesBelow)
 
 TEST_F(DotDiagramTest, OptionsDialogRangeAndRedrawWithoutRecomputing) {
   zv::ProcedureState& state = Run("X\n0\n5\n6\n10\n", "X", "");
-  Script({{818, {DialogAction::SelectRadio(177), DialogAction::SetText(141, "1"),
-                 DialogAction::Press(kIdOk), DialogAction::SetText(141, "1001"),
-                 DialogAction::Press(kIdOk), DialogAction::SetText(141, "2"),
-                 DialogAction::Press(kIdOk)}}});
+  Script(
+      {{818,
+        {DialogAction::SelectRadio(177), DialogAction::SetText(141, "1"),
+         DialogAction::Press(kIdOk), DialogAction::SetText(141, "1001"), DialogAction::Press(kIdOk),
+         DialogAction::SetText(141, "2"), DialogAction::Press(kIdOk)}}});
   zv::Set(state, zv::kDotMean, 123.0);  // a recomputation would overwrite it
   EXPECT_EQ(DotDiagramOpts(pane.get(), 0, 8, paneRecord.get(), 0, 0, 0), 1);
   EXPECT_EQ(WinMessageBoxLog().size(), 2u);  // 1 and 1001 refused

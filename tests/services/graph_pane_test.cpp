@@ -335,4 +335,22 @@ TEST_F(GraphPaneTest, NoMemoryForTheTitleLinesDrawsNothing) {
   EXPECT_NE(paneRecord->textItems, 0u);
 }
 
+// A plot writer that counted list A short cannot write past it: the excess is
+// dropped and reported.
+TEST_F(GraphPaneTest, ElementWriterStopsAtTheCountedSize) {
+  zv::GraphLists lists;
+  lists.elementTable.assign(3, 0);
+  lists.elementPoints.assign(6, 0.0);
+  zv::ElementWriter writer(lists, true);
+  writer.Begin(2, 1);
+  writer.Point(1, 2, -1);
+  writer.Point(3, 4, -1);
+  EXPECT_FALSE(writer.overflowed());
+  writer.Begin(1, 2);
+  writer.Point(5, 6, -1);
+  EXPECT_TRUE(writer.overflowed());
+  EXPECT_EQ(lists.elementTable, (std::vector<int32_t>{2, 1, 0}));
+  EXPECT_EQ(lists.elementPoints, (std::vector<double>{1, 2, -1, 3, 4, -1}));
+}
+
 }  // namespace

@@ -1,13 +1,14 @@
 // Variables: resolving texts to columns, the select rules, the dialog checks
 // and the text services.
+#include "services/variables.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "frame/messages.h"
 #include "frame/module_state.h"
 #include "services/movable_block.h"
-#include "frame/messages.h"
-#include "services/variables.h"
 #include "support/module_fixture.h"
 
 namespace {
@@ -35,16 +36,21 @@ class VariablesTest : public ModuleFixture {
 };
 
 TEST_F(VariablesTest, NamesInAnyFormResolveToTheColumn) {
-  struct Row { int line; const char* text; };
-  constexpr Row kRows[] = {{__LINE__, "Weight"}, {__LINE__, "(Weight)"}, {__LINE__, " Weight "},
-                           {__LINE__, "weight"}, {__LINE__, "( Weight )"}};
+  struct Row {
+    int line;
+    const char* text;
+  };
+  constexpr Row kRows[] = {{__LINE__, "Weight"},
+                           {__LINE__, "(Weight)"},
+                           {__LINE__, " Weight "},
+                           {__LINE__, "weight"},
+                           {__LINE__, "( Weight )"}};
   zv::ProcedureState& state = NewState(0);
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     SetExpression(state, 0, r.text);
     ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
-    EXPECT_EQ(Values(state.bindings[0], 4),
-              (std::vector<double>{60, 70, kMissingValue, 80}));
+    EXPECT_EQ(Values(state.bindings[0], 4), (std::vector<double>{60, 70, kMissingValue, 80}));
     EXPECT_EQ(state.bindings[0].count, 3);
     EXPECT_EQ(state.bindings[0].minimum, 60);
     EXPECT_EQ(state.bindings[0].maximum, 80);
@@ -75,8 +81,7 @@ TEST_F(VariablesTest, SelectBlanksTextRowsAndDropsNumericRowsOnZeroOnly) {
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[1]), 1);
   // Keep is 1, 0, 1, missing: row 2 goes; the missing select keeps row 4.
-  EXPECT_EQ(Values(state.bindings[0], 4),
-            (std::vector<double>{150, kMissingValue, 170, 180}));
+  EXPECT_EQ(Values(state.bindings[0], 4), (std::vector<double>{150, kMissingValue, 170, 180}));
   EXPECT_EQ(state.bindings[0].count, 3);
   const zv::VariableBinding& names = state.bindings[1];
   EXPECT_EQ(names.type, 'C');
@@ -146,16 +151,51 @@ TEST(TextServices, TrimStripAndNameRules) {
   EXPECT_EQ(zv::StripBlanksAndQuotes(" \"My Col\" x 'y z' "), "My Colxy z");
   EXPECT_EQ(zv::IsBlankText("   "), 1);
   EXPECT_EQ(zv::IsBlankText(" a "), 0);
-  struct Row { int line; const char* name; int valid; };
+  struct Row {
+    int line;
+    const char* name;
+    int valid;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, "Weight", 1},  {__LINE__, "_x1", 1},   {__LINE__, "#n", 1},
-      {__LINE__, "a.b$%?@#", 1}, {__LINE__, "1abc", 0},  {__LINE__, "", 0},
-      {__LINE__, "a-b", 0},     {__LINE__, "ab cd-", 1},  // counts up to the first blank
+      {__LINE__, "Weight", 1},
+      {__LINE__, "_x1", 1},
+      {__LINE__, "#n", 1},
+      {__LINE__, "a.b$%?@#", 1},
+      {__LINE__, "1abc", 0},
+      {__LINE__, "", 0},
+      {__LINE__, "a-b", 0},
+      {__LINE__, "ab cd-", 1},                             // counts up to the first blank
       {__LINE__, "abcdefghijklmnopqrstuvwxyz012345-", 1},  // past the 32nd is not looked at
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
     EXPECT_EQ(zv::IsValidColumnName(r.name), r.valid);
+  }
+}
+
+}  // namespace
+
+namespace {
+
+// The one size guard of every block: at least one byte, nothing that a
+// block cannot hold, and no product that wraps.
+TEST(BlockBytes, RefusesWhatABlockCannotHold) {
+  struct Row {
+    int line;
+    uint64_t count, size;
+    uint32_t bytes;
+  };
+  constexpr Row kRows[] = {
+      {__LINE__, 0, 8, 1},
+      {__LINE__, 3, 8, 24},
+      {__LINE__, UINT32_MAX, 1, UINT32_MAX},
+      {__LINE__, UINT32_MAX / 2 + 1, 2, 0},
+      {__LINE__, uint64_t{1} << 40, uint64_t{1} << 40, 0},  // the product wraps to 0
+      {__LINE__, UINT64_MAX, 2, 0},
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    EXPECT_EQ(zv::BlockBytes(r.count, r.size), r.bytes);
   }
 }
 

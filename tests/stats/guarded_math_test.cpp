@@ -1,10 +1,17 @@
-// The guarded elementary functions: each guard's boundary, on both sides.
+// The guarded elementary functions: each guard's boundary, on both sides, and
+// what passes through them.
 #include "stats/guarded_math.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 namespace zv {
 namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
 
 TEST(GuardedMath, RaisesOutsideTheDomain) {
   EXPECT_THROW(GuardedPow(-8, 1.0 / 3), SilentAbort);
@@ -13,6 +20,18 @@ TEST(GuardedMath, RaisesOutsideTheDomain) {
   EXPECT_THROW(GuardedLog(0), SilentAbort);
   EXPECT_THROW(GuardedLog(-1), SilentAbort);
   EXPECT_THROW(GuardedLog10(0), SilentAbort);
+}
+
+// What the guards do not catch, as the header says: a NaN or an infinity
+// passes through (the beta quantile's start depends on the NaN case).
+TEST(GuardedMath, NaNAndInfinityPassThrough) {
+  EXPECT_TRUE(std::isnan(GuardedSqrt(kNaN)));
+  EXPECT_TRUE(std::isnan(GuardedExp(kNaN)));
+  EXPECT_TRUE(std::isnan(GuardedLog(kNaN)));
+  EXPECT_TRUE(std::isnan(GuardedPow(kNaN, 2)));
+  EXPECT_EQ(GuardedSqrt(kInf), kInf);
+  EXPECT_EQ(GuardedLog(kInf), kInf);
+  EXPECT_EQ(GuardedExp(-kInf), 0.0);
 }
 
 TEST(GuardedMath, BoundariesThatPass) {

@@ -1,10 +1,12 @@
 #include "support/module_fixture.h"
 
 #include <cstring>
+#include <fstream>
+#include <sstream>
 
-#include "frame/exports.h"
-#include "frame/module_start.h"
 #include "frame/module_state.h"
+#include "protocol/exports.h"
+#include "protocol/module_start.h"
 #include "zvgrid/sheet.h"
 #include "zvgrid/zvgrid.h"
 #include "zvhost/record_blocks.h"
@@ -12,11 +14,19 @@
 namespace zvtest {
 namespace {
 
-void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) { ++ModuleFixture::refreshCalls; }
-void Modified(zv::HostRecord*, int32_t) { ++ModuleFixture::modifiedCalls; }
+void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {
+  ++ModuleFixture::refreshCalls;
+}
+void Modified(zv::HostRecord*, int32_t) {
+  ++ModuleFixture::modifiedCalls;
+}
 void Wait(zv::HostHelpRecord*, int32_t) {}
-void Drop(zv::HostView*, int32_t) { ++ModuleFixture::dropCalls; }
-int32_t Edit(zv::FrameWindow*, char*) { return 0; }
+void Drop(zv::HostView*, int32_t) {
+  ++ModuleFixture::dropCalls;
+}
+int32_t Edit(zv::FrameWindow*, char*) {
+  return 0;
+}
 
 zv::ProcedureStateVtbl gStateVtbl{Refresh};
 zv::HostRecordVtbl gHostVtbl{Modified};
@@ -32,6 +42,43 @@ std::unique_ptr<T> Zeroed() {
 }
 
 bool gStarted = false;
+
+// The exported entry points of each family of the family list that the
+// fixture calls, the short forms brought to the full argument lists.
+struct FamilyEntries {
+  const zv::FamilyInfo* family;
+  int32_t (*dialog)(int32_t, zv::HostRecord*, zv::SheetWindow*, zv::FrameWindow*, int32_t, int32_t);
+  void (*setup)(int32_t, zv::ProcedureState*, zv::HostView*, char*, int32_t, int32_t);
+  int32_t (*begin)(int32_t, int32_t, int32_t);
+  int32_t (*item)(zv::PaneWindow*, int32_t, int32_t, zv::PaneRecord*, int32_t);
+};
+#define ZVTEST_ENTRIES_8(Name) \
+  {&zv::k##Name##Family, Name##Dialog, Name##Setup, Name##Begin, Name##Item},
+#define ZVTEST_ENTRIES_6(Name)                                                                \
+  {&zv::k##Name##Family,                                                                      \
+   [](int32_t s, zv::HostRecord* h, zv::SheetWindow*, zv::FrameWindow*, int32_t r, int32_t) { \
+     return Name##Dialog(s, h, r);                                                            \
+   },                                                                                         \
+   [](int32_t s, zv::ProcedureState* st, zv::HostView* v, char* e, int32_t r, int32_t) {      \
+     Name##Setup(s, st, v, e, r);                                                             \
+   },                                                                                         \
+   [](int32_t s, int32_t, int32_t) { return Name##Begin(s); },                                \
+   [](zv::PaneWindow* p, int32_t s, int32_t i, zv::PaneRecord* r, int32_t) {                  \
+     return Name##Item(p, s, i, r);                                                           \
+   }},
+const FamilyEntries kEntries[] = {
+#define ZV_FAMILY(Name, entries) ZVTEST_ENTRIES_##entries(Name)
+#include "protocol/family_list.h"
+#undef ZV_FAMILY
+};
+
+const FamilyEntries& EntriesOf(const zv::FamilyInfo& family) {
+  for (const FamilyEntries& e : kEntries) {
+    if (e.family == &family) return e;
+  }
+  ADD_FAILURE() << family.name << " is not in the family list";
+  return kEntries[0];
+}
 
 }  // namespace
 
@@ -121,6 +168,57 @@ std::string ModuleFixture::LastMessage() const {
 void ModuleFixture::Script(std::vector<ScriptedDialogDriver::Script> scripts) {
   driver = std::make_unique<ScriptedDialogDriver>(std::move(scripts));
   WinSetDialogDriver(driver.get());
+}
+
+zv::ProcedureState& ModuleFixture::OpenFamily(const zv::FamilyInfo& family,
+                                              const std::vector<std::string>& fields,
+                                              std::string_view select, int32_t slot) {
+  const FamilyEntries& entries = EntriesOf(family);
+  std::vector<DialogAction> actions;
+  bool hasSelect = false;
+  size_t next = 0;
+  for (const zv::VariableField& field : family.dialog->fields) {
+    if (field.isSelect) {
+      hasSelect = true;
+      actions.push_back(DialogAction::SetText(field.control, std::string(select)));
+    } else if (next < fields.size()) {
+      actions.push_back(DialogAction::SetText(field.control, fields[next++]));
+    }
+  }
+  actions.push_back(DialogAction::Press(kIdOk));
+  Script({{family.dialog->templateId, std::move(actions)}});
+  EXPECT_EQ(entries.dialog(slot, host.get(), sheet.get(), frame.get(), 0, 0), 1)
+      << "the variable dialog refused: " << LastMessage();
+  zv::ProcedureState& state = NewState(slot);
+  entries.setup(slot, &state, view.get(), entryList, 0, 0);
+  StoreEntryList(state, entryList, hasSelect);
+  return state;
+}
+
+zv::ProcedureState& ModuleFixture::RunFamily(const zv::FamilyInfo& family,
+                                             const std::vector<std::string>& fields,
+                                             std::string_view select, int32_t slot) {
+  zv::ProcedureState& state = OpenFamily(family, fields, select, slot);
+  EXPECT_EQ(EntriesOf(family).begin(slot, 0, 0), 1) << "Begin refused: " << LastMessage();
+  return state;
+}
+
+std::string ModuleFixture::PaneText(const zv::FamilyInfo& family, int32_t item, int32_t slot) {
+  EntriesOf(family).item(pane.get(), slot, item, paneRecord.get(), 0);
+  return WinGetWindowText(pane->window);
+}
+
+void ModuleFixture::ExpectGolden(const std::string& text, const std::string& name) const {
+  const std::string path = std::string(ZV_TEST_DATA_DIR) + "/" + name;
+  std::ifstream file(path, std::ios::binary);
+  std::stringstream golden;
+  golden << file.rdbuf();
+  if (golden.str() != text) {
+    const std::string base = name.substr(name.find_last_of('/') + 1);
+    std::ofstream(std::string(ZV_BIN_DIR) + "/" + base + ".actual", std::ios::binary) << text;
+  }
+  EXPECT_TRUE(file.is_open()) << "no golden file " << path;
+  EXPECT_EQ(golden.str(), text) << "pane text differs from " << path;
 }
 
 }  // namespace zvtest

@@ -12,6 +12,9 @@
 #include <vector>
 
 #include "frame/host_records.h"
+#include "protocol/families.h"
+#include "protocol/protocol.h"
+#include "services/movable_block.h"
 #include "zvwin/zvwin.h"
 
 namespace zvtest {
@@ -36,6 +39,34 @@ class ModuleFixture : public ::testing::Test {
   // Installs a scripted user for the next dialogs.
   void Script(std::vector<ScriptedDialogDriver::Script> scripts);
 
+  // A new analysis of `family` on `slot` through the family's exported entry
+  // points, as the Host makes it: Dialog with a scripted user who types
+  // fields[i] into the i-th variable field and `select` into the select
+  // field and presses OK, then Setup, the entry list stored, and Begin.
+  // Fails the test when Dialog or Begin refuses.
+  zv::ProcedureState& RunFamily(const zv::FamilyInfo& family,
+                                const std::vector<std::string>& fields,
+                                std::string_view select = {}, int32_t slot = 0);
+  // The same without Begin.
+  zv::ProcedureState& OpenFamily(const zv::FamilyInfo& family,
+                                 const std::vector<std::string>& fields,
+                                 std::string_view select = {}, int32_t slot = 0);
+  // Item `item` of the analysis on `slot` through the family's Item entry;
+  // the text the pane's window then holds.
+  std::string PaneText(const zv::FamilyInfo& family, int32_t item, int32_t slot = 0);
+  // Compares `text` byte for byte with tests/data/<name>; on a difference
+  // the text is written beside the build as <file name>.actual.
+  void ExpectGolden(const std::string& text, const std::string& name) const;
+
+  // The first `count` elements of a binding's data block.
+  template <class T>
+  std::vector<T> Block(const zv::ProcedureState& state, int binding, size_t count) const {
+    zv::LockedBlock<const T> block(state.bindings[binding].data);
+    return std::vector<T>(block.get(), block.get() + count);
+  }
+
+  char entryList[zv::kEntryListBytes] = {};
+
   std::unique_ptr<zv::HostRecord> host;
   std::unique_ptr<zv::HostHelpRecord> help;
   std::unique_ptr<zv::HostView> view;
@@ -46,7 +77,6 @@ class ModuleFixture : public ::testing::Test {
   std::vector<std::unique_ptr<zv::ProcedureState>> states;
   std::vector<char> advice;
   std::unique_ptr<ScriptedDialogDriver> driver;
-
 
  public:
   // Calls the Host's virtual operations made.

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string>
 
-#include "frame/exports.h"
 #include "frame/messages.h"
-#include "frame/protocol.h"
 #include "life2_fixture.h"
+#include "protocol/exports.h"
+#include "protocol/protocol.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
 
@@ -26,25 +26,14 @@ constexpr char kSheet[] =
 
 class Life2Session : public Life2Fixture {
  protected:
-  // Dialog and Setup for a new analysis, the entry list stored as the Host
-  // does, then Begin.
   zv::ProcedureState& Open(const char* time, const char* censor, const char* group) {
-    Script({{848,
-             {DialogAction::SetText(116, time), DialogAction::SetText(122, censor),
-              DialogAction::SetText(261, group), DialogAction::Press(kIdOk)}}});
-    EXPECT_EQ(Life2Dialog(0, host.get(), sheet.get(), frame.get(), 0, 0), 1);
-    zv::ProcedureState& state = NewState(0);
-    Life2Setup(0, &state, view.get(), entryList, 0, 0);
-    StoreEntryList(state, entryList, true);
-    EXPECT_EQ(Life2Begin(0, 0, 0), 1);
-    return state;
+    return RunFamily(zv::kLife2Family, {time, censor, group});
   }
   std::string Interpret(zv::ProcedureState& state, int32_t item) {
     char output[4096] = {};
     CallKeel4Interpret(&state, output, item);
     return output;
   }
-  char entryList[zv::kEntryListBytes] = {};
 };
 
 TEST_F(Life2Session, DialogSetupBeginAndPanes) {

@@ -3,16 +3,17 @@
 #include <cstring>
 #include <string>
 
-#include "frame/exports.h"
-#include "frame/families.h"
+#include "protocol/exports.h"
+#include "protocol/families.h"
 
 namespace zv {
 namespace {
 
-// The families built into this module, found by procedure code.
+// The families of the family list, found by procedure code.
 const FamilyInfo* const kFamilies[] = {
-    &kDotDiagramFamily,
-    &kLife2Family,
+#define ZV_FAMILY(Name, entries) &k##Name##Family,
+#include "protocol/family_list.h"
+#undef ZV_FAMILY
 };
 
 }  // namespace

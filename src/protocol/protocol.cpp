@@ -1,4 +1,4 @@
-#include "frame/protocol.h"
+#include "protocol/protocol.h"
 
 #include <algorithm>
 #include <cstring>
@@ -7,6 +7,7 @@
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
 #include "services/variable_dialog.h"
 #include "services/variables.h"
 #include "zvgrid/zvgrid.h"
@@ -64,7 +65,9 @@ void MarkAllStale(ProcedureState& state, int32_t fromItem) {
 
 }  // namespace
 
-ProcedureState& StateOf(int32_t slot) { return *gStates[slot]; }
+ProcedureState& StateOf(int32_t slot) {
+  return *gStates[slot];
+}
 
 void MarkAnalysisModified() {
   if (gHost != nullptr) VtblOf<HostRecordVtbl>(gHost).MarkModified(gHost, 1);
@@ -74,8 +77,8 @@ void RefreshPanes(ProcedureState& state) {
   VtblOf<ProcedureStateVtbl>(&state).RefreshPanes(&state, 0, 0, 0);
 }
 
-int32_t ProtocolDialog(const FamilyInfo& family, int32_t slot, HostRecord* host,
-                       SheetWindow* sheet, FrameWindow* frame, int32_t reopen) {
+int32_t ProtocolDialog(const FamilyInfo& family, int32_t slot, HostRecord* host, SheetWindow* sheet,
+                       FrameWindow* frame, int32_t reopen) {
   gHost = host;
   gSheetWindow = sheet;
   gFrameWindow = frame;
@@ -125,8 +128,8 @@ int32_t ProtocolBegin(const FamilyInfo& family, int32_t slot) {
   state.graphOptionsMask = family.graphOptionsMask;
   state.orderReady = 0;
   if (!family.loadsNoColumns) LoadSpecialVariables(slot);
-  const bool loaded = ForEachVariable(
-      family, state, [slot](VariableBinding& binding, bool, bool, int32_t) {
+  const bool loaded =
+      ForEachVariable(family, state, [slot](VariableBinding& binding, bool, bool, int32_t) {
         return LoadVariable(slot, &binding) != 0;
       });
   if (!loaded) return 0;
@@ -180,19 +183,16 @@ int32_t ProtocolItem(const FamilyInfo& family, PaneWindow* pane, int32_t slot, i
   return result;
 }
 
+// Refuses the panes of a failed analysis except Item 1, runs the Item's
+// dialog, then marks the analysis modified and rebuilds the pane; Item 1
+// recomputes and refreshes every pane.
 int32_t ProtocolOpts(const FamilyInfo& family, PaneWindow* pane, int32_t slot, int32_t item,
                      PaneRecord* record) {
-  if (family.options != nullptr) return family.options(pane, slot, item, record);
-  return StandardOptions(family, pane, slot, item, record, nullptr);
-}
-
-int32_t StandardOptions(const FamilyInfo& family, PaneWindow* pane, int32_t slot, int32_t item,
-                        PaneRecord* record, int32_t (*dialog)(int32_t slot, int32_t item)) {
   ProcedureState& state = StateOf(slot);
   if (item != 1 && state.status != 0) return 0;
-  const int32_t answer = dialog != nullptr ? dialog(slot, item) : -1;
+  const int32_t answer = family.optionsDialog != nullptr ? family.optionsDialog(slot, item) : -1;
   if (answer < 0) {
-    ShowNote(1100);
+    ShowNote(kPaneHasNoOptionsText);
     return 1;
   }
   if (answer == 0) return 0;

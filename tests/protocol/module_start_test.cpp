@@ -1,10 +1,11 @@
+#include "protocol/module_start.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-#include "frame/module_start.h"
 #include "frame/module_state.h"
 
 namespace {
@@ -12,8 +13,8 @@ namespace {
 struct DateRow {
   int line;
   const char* format;
-  const char* order;       // gDateOrder, four characters
-  const char* monthYear;   // gMonthYearOrder, three characters
+  const char* order;      // gDateOrder, four characters
+  const char* monthYear;  // gMonthYearOrder, three characters
 };
 
 TEST(ShortDateFormat, ParsesFieldsSeparatorAndMonthYearOrder) {

@@ -1,13 +1,14 @@
 // The module's application object, start-up and stop, the locale read once
 // at start, and the five module-level exports.
-#include "frame/module_start.h"
+#include "protocol/module_start.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "frame/exports.h"
 #include "frame/messages.h"
 #include "frame/module_state.h"
+#include "frame/string_ids.h"
+#include "protocol/exports.h"
 #include "services/graph_pane.h"
 
 namespace zv {
@@ -72,7 +73,7 @@ void ParseShortDate(const char* format) {
 
 void ModuleStart() {
   gResourceModule = WinLoadLibrary("keel4res.dll");
-  const std::string title = LoadText(57344);
+  const std::string title = LoadText(kAppTitleText);
   std::memset(gAppTitle, 0, sizeof gAppTitle);
   std::memcpy(gAppTitle, title.data(), std::min(title.size(), sizeof gAppTitle - 1));
   gApp.name = gAppTitle;
@@ -108,13 +109,17 @@ void ModuleStop() {
   }
 }
 
-void WaitCursor(int32_t change) { WinWaitCursor(change); }
+void WaitCursor(int32_t change) {
+  WinWaitCursor(change);
+}
 
 }  // namespace zv
 
 using namespace zv;
 
-ZV_API int32_t FilterDllMsg(const WinMsg* message) { return gApp.PreTranslateMessage(message); }
+ZV_API int32_t FilterDllMsg(const WinMsg* message) {
+  return gApp.PreTranslateMessage(message);
+}
 
 ZV_API int32_t ProcessDllIdle() {
   int32_t count = 0;

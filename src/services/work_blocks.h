@@ -1,11 +1,13 @@
-// Movable blocks of the survival computations: result columns hung in spare
-// bindings, and work arrays that live for one computation.
+// Movable blocks of a family's computation: result columns hung in spare
+// bindings, and work arrays that live for one computation. Both go through
+// the one size guard, AllocItems.
 #pragma once
 
 #include <cstdint>
 
 #include "frame/host_records.h"
 #include "services/movable_block.h"
+#include "services/variables.h"
 #include "zvwin/zvwin.h"
 
 namespace zv {
@@ -13,7 +15,12 @@ namespace zv {
 // Frees the data block of bindings[binding] and allocates `count` elements of
 // `size` bytes anew (zero-filled). False after the message of string 1001,
 // and the binding then holds no block.
-bool ReallocateBindingBlock(ProcedureState& state, int binding, uint64_t count, uint32_t size);
+inline bool ReallocateBindingBlock(ProcedureState& state, int binding, uint64_t count,
+                                   uint32_t size) {
+  FreeGlobal(&state.bindings[binding].data);
+  state.bindings[binding].data = AllocItems(count, size);
+  return state.bindings[binding].data != 0;
+}
 
 // A work array of `count` elements of T, allocated as a movable block, locked
 // while the object lives and freed with it. Empty (false) after the message
@@ -34,13 +41,8 @@ class WorkArray {
   LockedBlock<T> lock_;
 };
 
-// Allocates `bytes` (at least 1) with AllocGlobal; 0 after the message of
-// string 1001, also when the size is beyond what a block can hold.
-Handle AllocSurvivalBlock(uint64_t bytes);
-
 template <class T>
-WorkArray<T>::WorkArray(uint64_t count)
-    : block_(AllocSurvivalBlock(count * sizeof(T))), lock_(block_) {}
+WorkArray<T>::WorkArray(uint64_t count) : block_(AllocItems(count, sizeof(T))), lock_(block_) {}
 
 template <class T>
 WorkArray<T>::~WorkArray() {

@@ -1,16 +1,22 @@
 // The procedure protocol driven as the Host drives it, with DotDiagram, the
 // simplest family, as the passenger.
+#include "protocol/protocol.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
 #include "charts/dot_diagram.h"
-#include "frame/exports.h"
 #include "frame/module_state.h"
-#include "frame/protocol.h"
+#include "protocol/exports.h"
+#include "protocol/family_entries.h"
 #include "support/module_fixture.h"
 #include "zvgrid/sheet.h"
+
+// The short forms of the family list, on the dot diagram's row.
+ZV_DECLARE_FAMILY_ENTRIES_6(ShortDot)
+ZV_DEFINE_FAMILY_ENTRIES_6(ShortDot, zv::kDotDiagramFamily)
 
 namespace {
 
@@ -30,15 +36,8 @@ class ProtocolTest : public ModuleFixture {
  protected:
   // Dialog and Setup for a new analysis on `slot`, as the Host calls them.
   zv::ProcedureState& Open(int32_t slot, const char* variable, const char* select) {
-    Script({{9969, {DialogAction::SetText(116, variable), DialogAction::SetText(117, select),
-                    DialogAction::Press(kIdOk)}}});
-    EXPECT_EQ(DotDiagramDialog(slot, host.get(), sheet.get(), frame.get(), 0, 0), 1);
-    zv::ProcedureState& state = NewState(slot);
-    DotDiagramSetup(slot, &state, view.get(), entryList, 0, 0);
-    StoreEntryList(state, entryList, true);
-    return state;
+    return OpenFamily(zv::kDotDiagramFamily, {variable}, select, slot);
   }
-  char entryList[zv::kEntryListBytes] = {};
 };
 
 TEST_F(ProtocolTest, SetupWritesConstantsEntryListAndRaisesNextSlotOnce) {
@@ -131,6 +130,15 @@ TEST_F(ProtocolTest, RedoItem1LeavesItsOwnFlagAndMarksTheRest) {
   EXPECT_NE(WinGetWindowText(pane->window).find("Dot Diagram"), std::string::npos);
 }
 
+// RedoItem1 passes no pane record; a graph Item without one draws nothing.
+TEST_F(ProtocolTest, GraphItemWithoutPaneRecordDrawsNothing) {
+  LoadSheet(kSheet);
+  Open(0, "Weight", "");
+  DotDiagramBegin(0, 0, 0);
+  EXPECT_EQ(DotDiagramItem(pane.get(), 0, 8, nullptr, 0), 0);
+  EXPECT_EQ(WinWaitCursorLevel(), 0);
+}
+
 TEST_F(ProtocolTest, ItemWithoutWriterStillInvalidates) {
   LoadSheet(kSheet);
   Open(0, "Weight", "");
@@ -148,7 +156,8 @@ TEST_F(ProtocolTest, BeginAgainWithDeletedColumnSets1025AndDoesNotBegin) {
   DotDiagramBegin(0, 0, 0);
   state.begun = 0;  // a Begin that ran would set it again
   zvgrid::DeleteColumn("Weight");
-  EXPECT_EQ(DotDiagramBeginAgain(0, &state, view.get(), host.get(), sheet.get(), frame.get(), 0), 0);
+  EXPECT_EQ(DotDiagramBeginAgain(0, &state, view.get(), host.get(), sheet.get(), frame.get(), 0),
+            0);
   EXPECT_EQ(state.status, 1025);
   EXPECT_EQ(state.begun, 0);
   EXPECT_EQ(host->currentSlot, 0);
@@ -157,12 +166,13 @@ TEST_F(ProtocolTest, BeginAgainWithDeletedColumnSets1025AndDoesNotBegin) {
 TEST_F(ProtocolTest, DialogRefusesEmptyAndCharacterFieldsAndCancelKeepsEntryText) {
   LoadSheet(kSheet);
   zv::gEntryText[0] = "before";
-  Script({{9969, {DialogAction::Press(kIdOk), DialogAction::SetText(116, "Sex"),
-                  DialogAction::Press(kIdOk)}}});
+  Script({{9969,
+           {DialogAction::Press(kIdOk), DialogAction::SetText(116, "Sex"),
+            DialogAction::Press(kIdOk)}}});
   EXPECT_EQ(DotDiagramDialog(0, host.get(), sheet.get(), frame.get(), 0, 0), 0);
   const auto& boxes = WinMessageBoxLog();
   ASSERT_EQ(boxes.size(), 2u);
-  EXPECT_NE(boxes[0].text.find("Field 1"), std::string::npos);  // string 1019 with the field
+  EXPECT_NE(boxes[0].text.find("Field 1"), std::string::npos);    // string 1019 with the field
   EXPECT_NE(boxes[1].text.find("character"), std::string::npos);  // string 1022
   EXPECT_EQ(boxes[0].caption, "Zivara Suite");
   EXPECT_EQ(zv::gEntryText[0], "before");
@@ -181,6 +191,31 @@ TEST_F(ProtocolTest, InterpretDispatchesOnProcedureCode) {
   state.procedureCode = 0;
   EXPECT_EQ(CallKeel4Interpret(&state, out, 1), 1);
   EXPECT_STREQ(out, "");
+}
+
+// The six short entries reach the protocol with their arguments in place, and
+// Dialog keeps the sheet and frame windows of the last full Dialog.
+TEST_F(ProtocolTest, ShortFormEntriesReachTheProtocol) {
+  LoadSheet(kSheet);
+  zv::gSheetWindow = sheet.get();
+  zv::gFrameWindow = frame.get();
+  Script({{9969, {DialogAction::SetText(116, "Weight"), DialogAction::Press(kIdOk)}}});
+  ASSERT_EQ(ShortDotDialog(2, host.get(), 0), 1);
+  EXPECT_EQ(zv::gSheetWindow, sheet.get());
+  EXPECT_EQ(zv::gFrameWindow, frame.get());
+  zv::ProcedureState& state = NewState(2);
+  ShortDotSetup(2, &state, view.get(), entryList, 0);
+  StoreEntryList(state, entryList, true);
+  EXPECT_EQ(state.procedureCode, 2842);
+  ASSERT_EQ(ShortDotBegin(2), 1);
+  EXPECT_EQ(zv::Get(state, zv::kDotCount), 6.0);
+  EXPECT_EQ(ShortDotItem(pane.get(), 2, 1, paneRecord.get()), 1);
+  EXPECT_NE(WinGetWindowText(pane->window).find("Weight"), std::string::npos);
+  EXPECT_EQ(ShortDotOpts(pane.get(), 2, 1, paneRecord.get()), 1);  // no dialog: note 1100
+  state.begun = 0;
+  EXPECT_EQ(ShortDotBeginAgain(2, &state, view.get(), host.get(), sheet.get(), frame.get()), 1);
+  EXPECT_EQ(state.begun, 1);
+  EXPECT_EQ(host->currentSlot, 2);
 }
 
 }  // namespace

@@ -4,15 +4,15 @@
 
 #include <cstdint>
 
-#include "frame/families.h"
+#include "protocol/families.h"
 
 namespace zv {
 
 // The Host's buffer for the entry list that Setup writes: at least this long.
 inline constexpr int32_t kEntryListBytes = 16384;
 
-int32_t ProtocolDialog(const FamilyInfo& family, int32_t slot, HostRecord* host,
-                       SheetWindow* sheet, FrameWindow* frame, int32_t reopen);
+int32_t ProtocolDialog(const FamilyInfo& family, int32_t slot, HostRecord* host, SheetWindow* sheet,
+                       FrameWindow* frame, int32_t reopen);
 void ProtocolSetup(const FamilyInfo& family, int32_t slot, ProcedureState* state, HostView* view,
                    char* entryList, int32_t reopen);
 int32_t ProtocolBegin(const FamilyInfo& family, int32_t slot);
