@@ -7,6 +7,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "file_replace.h"
 #include "number_text.h"
 #include "sheet_store.h"
 
@@ -278,12 +279,11 @@ std::string SaveCsvText() {
 }
 
 bool SaveCsvFile(const std::string& path, std::string* error) {
-  std::ofstream out(path, std::ios::binary);
-  const std::string text = SaveCsvText();
-  out.write(text.data(), static_cast<std::streamsize>(text.size()));
-  out.close();
-  if (!out) {
-    if (error) *error = "Cannot write \"" + path + "\".";
+  std::string ignored;
+  if (error == nullptr) error = &ignored;
+  const int fault = detail::ReplaceFile(path, SaveCsvText());
+  if (fault != 0) {
+    *error = "Cannot write \"" + path + "\": " + detail::FileFault(fault) + ".";
     return false;
   }
   return true;

@@ -1,8 +1,15 @@
 // CSV reading and writing of the sheet.
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 
+#include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "grid_fixture.h"
 
@@ -185,19 +192,114 @@ TEST_F(CsvTest, PadsShorterColumnsWhenSaving) {
   EXPECT_EQ(zvgrid::SaveCsvText(), "long,short\r\n1,a\r\n2,\r\n3,\r\n");
 }
 
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+std::vector<std::string> FolderEntries(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// A fresh, empty folder under the test's temporary directory.
+std::string FreshFolder(const std::string& name) {
+  const std::string folder = ::testing::TempDir() + "zvgrid_" + name;
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  return folder;
+}
+
 TEST_F(CsvTest, LoadsAndSavesFiles) {
-  const std::string path = ::testing::TempDir() + "zvgrid_csv_test.csv";
+  const std::string folder = FreshFolder("files");
+  const std::string path = folder + "/a.csv";
   Load("A,B\n1,x\n");
   std::string error;
   ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;
-  zvgrid::ClearSheet();
+  Load("A\n2\n");
+  ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;  // replaces the file
+  EXPECT_EQ(ReadFile(path), "A\r\n2\r\n");
+  EXPECT_EQ(FolderEntries(folder), std::vector<std::string>{"a.csv"});
   ASSERT_TRUE(zvgrid::LoadCsvFile(path, &error)) << error;
-  EXPECT_EQ(Columns()[1].texts, (std::vector<std::string>{"x"}));
-  std::remove(path.c_str());
-  EXPECT_FALSE(zvgrid::LoadCsvFile(path, &error));
-  EXPECT_EQ(error, "Cannot open \"" + path + "\".");
-  EXPECT_FALSE(zvgrid::SaveCsvFile("/nonexistent-folder/x.csv", &error));
-  EXPECT_EQ(error, "Cannot write \"/nonexistent-folder/x.csv\".");
+  EXPECT_EQ(Columns()[0].numbers, std::vector<double>{2.0});
+
+  struct Row {
+    int line;
+    std::string path;
+    std::string error;
+  };
+  const Row rows[] = {
+      {__LINE__, folder + "/missing.csv", "Cannot open \"" + folder + "/missing.csv\"."},
+      {__LINE__, "/nonexistent-folder/x.csv",
+       "Cannot write \"/nonexistent-folder/x.csv\": no such folder."},
+      {__LINE__, folder, "Cannot write \"" + folder + "\": is a folder."},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    const bool saving = row.error.rfind("Cannot write", 0) == 0;
+    EXPECT_FALSE(saving ? zvgrid::SaveCsvFile(row.path, &error)
+                        : zvgrid::LoadCsvFile(row.path, &error));
+    EXPECT_EQ(error, row.error);
+  }
+  EXPECT_EQ(FolderEntries(folder), std::vector<std::string>{"a.csv"});
+}
+
+// A save that fails while writing leaves the file it would replace as it was,
+// creates no file under a new name, and leaves no temporary file behind.
+// Two real failures: a full file system (a small tmpfs mounted in a mount
+// namespace of this process alone, where the process may do that) and the
+// process's file size limit.
+bool MountSmallFileSystem(const std::string& folder) {
+  return ::unshare(CLONE_NEWNS) == 0 &&
+         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         ::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=16k") == 0;
+}
+
+TEST_F(CsvTest, FailedSaveLeavesTheTargetAsItWas) {
+  std::vector<double> many(20000);
+  for (size_t i = 0; i < many.size(); ++i) many[i] = 1.0 / static_cast<double>(i + 3);
+  for (const bool fullDevice : {true, false}) {
+    SCOPED_TRACE(fullDevice ? "full device" : "file size limit");
+    const std::string folder = FreshFolder("full");
+    if (fullDevice && !MountSmallFileSystem(folder)) {
+      std::printf("no tmpfs can be mounted here: only the file size limit is tried\n");
+      continue;
+    }
+    const std::string path = folder + "/a.csv";
+    Load("A\n1\n");
+    std::string error;
+    ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;
+    const std::string before = ReadFile(path);
+
+    zvgrid::ClearSheet();
+    ASSERT_TRUE(zvgrid::AddNumericColumn("A", many));
+    rlimit saved{};
+    ::getrlimit(RLIMIT_FSIZE, &saved);
+    void (*oldHandler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    if (!fullDevice) {
+      rlimit small = saved;
+      small.rlim_cur = 4096;
+      ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    const bool replaced = zvgrid::SaveCsvFile(path, &error);
+    const std::string replaceError = error;
+    const bool created = zvgrid::SaveCsvFile(folder + "/b.csv", &error);
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, oldHandler);
+
+    EXPECT_FALSE(replaced);
+    EXPECT_FALSE(created);
+    const std::string reason = fullDevice ? "no space left on device" : "the file is too large";
+    EXPECT_EQ(replaceError, "Cannot write \"" + path + "\": " + reason + ".");
+    EXPECT_EQ(error, "Cannot write \"" + folder + "/b.csv\": " + reason + ".");
+    const std::string after = ReadFile(path);
+    EXPECT_TRUE(after == before) << "a.csv now has " << after.size() << " bytes";
+    EXPECT_EQ(FolderEntries(folder), std::vector<std::string>{"a.csv"});
+    if (fullDevice) ::umount(folder.c_str());
+  }
 }
 
 }  // namespace
