@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -83,30 +84,79 @@ TEST_F(CsvTest, PadsShortRowsAndAcceptsEmptyExtraFields) {
   EXPECT_EQ(Columns()[2].numbers, (std::vector<double>{kMissing, 3, kMissing}));
 }
 
-TEST_F(CsvTest, NumbersFollowOneGrammar) {
+TEST_F(CsvTest, TypesEachCellByOneGrammar) {
+  // 'N' a number, 'M' missing, 'C' a text, 'R' the file is refused.
   struct Row {
     int line;
     std::string cell;
-    double value;  // kMissing: the cell is not a number
+    char kind;
+    double value;
   };
   const Row rows[] = {
-      {__LINE__, "12", 12.0},        {__LINE__, "+1.5", 1.5},       {__LINE__, "-.25", -0.25},
-      {__LINE__, "3.", 3.0},         {__LINE__, "1E-2", 0.01},      {__LINE__, "2e+3", 2000.0},
-      {__LINE__, "1e-400", 0.0},     {__LINE__, "1e400", kMissing}, {__LINE__, "inf", kMissing},
-      {__LINE__, "nan", kMissing},   {__LINE__, "0x10", kMissing},  {__LINE__, "1e", kMissing},
-      {__LINE__, "1 2", kMissing},   {__LINE__, ".", kMissing},     {__LINE__, "--1", kMissing},
-      {__LINE__, "1.2.3", kMissing},
+      {__LINE__, "12", 'N', 12.0},     {__LINE__, "+1.5", 'N', 1.5},
+      {__LINE__, "-.25", 'N', -0.25},  {__LINE__, "3.", 'N', 3.0},
+      {__LINE__, "1E-2", 'N', 0.01},   {__LINE__, "2e+3", 'N', 2000.0},
+      {__LINE__, "1e-400", 'N', 0},    {__LINE__, "-0", 'N', -0.0},
+      {__LINE__, "0x10", 'C', 0},      {__LINE__, "1e", 'C', 0},
+      {__LINE__, "1 2", 'C', 0},       {__LINE__, "--1", 'C', 0},
+      {__LINE__, "+-1", 'C', 0},       {__LINE__, "1.2.3", 'C', 0},
+      {__LINE__, "na", 'C', 0},        {__LINE__, "\"NA\"", 'C', 0},
+      {__LINE__, "\"12\"", 'C', 0},    {__LINE__, "NA", 'M', 0},
+      {__LINE__, " NaN ", 'M', 0},     {__LINE__, ".", 'M', 0},
+      {__LINE__, "\"\"", 'M', 0},      {__LINE__, "1e400", 'R', 0},
+      {__LINE__, "-1e309", 'R', 0},    {__LINE__, "inf", 'R', 0},
+      {__LINE__, "-Infinity", 'R', 0}, {__LINE__, "nan", 'R', 0},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.line);
-    Load("A\n" + row.cell + "\n");
-    if (row.value == kMissing) {
-      EXPECT_EQ(Columns()[0].type, 'C');
+    std::string error;
+    const bool loaded = zvgrid::LoadCsvText("A\n7\n" + row.cell + "\n", &error);
+    ASSERT_EQ(loaded, row.kind != 'R') << error;
+    if (!loaded) {
+      EXPECT_EQ(error,
+                "Line 3: column \"A\" holds \"" + row.cell + "\", which is not a finite number.");
+    } else if (row.kind == 'C') {
+      ASSERT_EQ(Columns()[0].type, 'C');
+      EXPECT_EQ(Columns()[0].texts[0], "7");
+      EXPECT_EQ(Columns()[0].textRow, 2);
     } else {
       ASSERT_EQ(Columns()[0].type, 'N');
-      EXPECT_EQ(Columns()[0].numbers[0], row.value);
+      const double value = row.kind == 'M' ? kMissing : row.value;
+      EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{7.0, value}));
+      EXPECT_EQ(std::signbit(Columns()[0].numbers[1]), std::signbit(value));
     }
   }
+}
+
+TEST_F(CsvTest, MissingCodesAndTheCellThatMakesAColumnText) {
+  // A text column keeps its cells exactly, also those before its first text;
+  // missing codes are empty texts there, and a cell that is not finite is an
+  // ordinary text.
+  Load("Dose,Group,Size\n1.50,NA,1\n2,b,2\nNA,\"NA\",1e309\n.,a, n/a \n");
+  const std::vector<Column>& columns = Columns();
+  EXPECT_EQ(columns[0].numbers, (std::vector<double>{1.5, 2.0, kMissing, kMissing}));
+  EXPECT_EQ(columns[1].texts, (std::vector<std::string>{"", "b", "NA", "a"}));
+  EXPECT_EQ(columns[2].texts, (std::vector<std::string>{"1", "2", "1e309", "n/a"}));
+  EXPECT_EQ(columns[2].width, 5);
+  EXPECT_EQ(columns[1].textRow, 2);
+  EXPECT_EQ(columns[1].textCell, "b");
+  EXPECT_EQ(columns[2].textRow, 4);
+  EXPECT_EQ(columns[2].textCell, "n/a");
+  EXPECT_FALSE(columns[2].textQuoted);
+  // Texts that would read back as missing or as numbers keep their quotes.
+  const std::string saved = zvgrid::SaveCsvText();
+  EXPECT_EQ(saved, "Dose,Group,Size\r\n1.5,,\"1\"\r\n2,b,\"2\"\r\n,\"NA\",\"1e309\"\r\n,a,n/a\r\n");
+
+  zvgrid::SetMissingCodes(zvgrid::ParseMissingCodes(" -99 ,, n/a"));
+  EXPECT_EQ(zvgrid::MissingCodes(), (std::vector<std::string>{"-99", "n/a"}));
+  Load("A,B\n-99,NA\n3,n/a\n");
+  EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{kMissing, 3.0}));
+  EXPECT_EQ(Columns()[1].texts, (std::vector<std::string>{"NA", ""}));
+  EXPECT_EQ(Columns()[1].width, 2);
+  zvgrid::SetMissingCodes({});
+  Load("A\n\"7\"\n.\n");
+  EXPECT_EQ(Columns()[0].texts, (std::vector<std::string>{"7", "."}));
+  EXPECT_TRUE(Columns()[0].textQuoted);
 }
 
 TEST_F(CsvTest, RefusesMalformedInputNamingTheLine) {
