@@ -3,14 +3,15 @@
 # each for the given number of seconds (default 60), seeded from
 # tests/data/failures and a corpus kept in the build folder. New crashing
 # inputs land in the build folder's artifacts/; copy the ones worth keeping to
-# tests/data/failures/ (csv-* for the CSV reader, expression-* for the parser).
+# tests/data/failures/ (csv-* for the CSV reader and the save path,
+# expression-* for the parser).
 #   scripts/fuzz.sh [seconds] [target...]
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 seconds="${1:-60}"
 shift || true
 targets=("$@")
-[ ${#targets[@]} -eq 0 ] && targets=(csv_fuzz expression_fuzz)
+[ ${#targets[@]} -eq 0 ] && targets=(csv_fuzz save_fuzz expression_fuzz)
 build="${ZV_FUZZ_BUILD:-$root/build-fuzz}"
 
 # libFuzzer comes with clang's runtime libraries.
@@ -24,9 +25,9 @@ done
 cmake -S "$root/fuzz" -B "$build" -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 cmake --build "$build" --target "${targets[@]}" -j2
 
-declare -A seeds=([csv_fuzz]=csv- [expression_fuzz]=expression-)
+declare -A seeds=([csv_fuzz]=csv- [save_fuzz]=csv- [expression_fuzz]=expression-)
 # Expressions longer than 127 characters are refused at once: no need to grow them.
-declare -A lengths=([csv_fuzz]=4096 [expression_fuzz]=160)
+declare -A lengths=([csv_fuzz]=4096 [save_fuzz]=4096 [expression_fuzz]=160)
 for target in "${targets[@]}"; do
   corpus="$build/corpus/$target"
   artifacts="$build/artifacts/$target/"
@@ -35,6 +36,7 @@ for target in "${targets[@]}"; do
     [ -e "$seed" ] && cp "$seed" "$corpus/"
   done
   dictionary="$root/fuzz/${target%_fuzz}.dict"
+  [ "$target" = save_fuzz ] && dictionary="$root/fuzz/csv.dict"
   echo "fuzz: $target for $seconds s"
   "$build/bin/$target" "$corpus" -dict="$dictionary" -max_total_time="$seconds" -max_len="${lengths[$target]}" -timeout=10 \
     -artifact_prefix="$artifacts" -print_final_stats=1

@@ -216,14 +216,12 @@ class SheetBuild {
       if (names_.size() <= static_cast<size_t>(kGridMaxColumns)) names_.push_back(cell.Text());
       return;
     }
-    if (!storing_) return;
-    if (index == 0 && rows_ == static_cast<size_t>(kMaxRows)) {
-      if (rowsFault_.empty())
-        rowsFault_ =
-            LineError(line, "the sheet holds more than " + std::to_string(kMaxRows) + " rows.");
+    if (index == 0 && rows_ == static_cast<size_t>(kMaxRows) && headerFault_.empty()) {
+      rowsFault_ =
+          LineError(line, "the sheet holds more than " + std::to_string(kMaxRows) + " rows.");
       storing_ = false;
-      return;
     }
+    if (!storing_) return;
     if (index >= columns_.size()) {
       extraField_ = extraField_ || !cell.body.empty();
       return;
@@ -240,9 +238,9 @@ class SheetBuild {
       dataStart_ = *cursor_;
       return true;
     }
+    ++rows_;
     if (!storing_) return true;
     for (size_t c = fields; c < columns_.size(); ++c) columns_[c].AddMissing();
-    ++rows_;
     if (extraField_) {
       recordFault_ = LineError(line, std::to_string(fields) + " fields, but the header names " +
                                          std::to_string(columns_.size()) + " columns.");
@@ -289,6 +287,7 @@ class SheetBuild {
     if (headerFields_ > static_cast<size_t>(kGridMaxColumns)) {
       headerFault_ = LineError(line, "the header names " + std::to_string(headerFields_) +
                                          " columns; a sheet holds at most 256.");
+      storing_ = false;
       return;
     }
     for (size_t c = 0; c < names_.size(); ++c) {
@@ -303,7 +302,10 @@ class SheetBuild {
             headerFault_ = LineError(line, "the name \"" + name + "\" appears twice.");
         }
       }
-      if (!headerFault_.empty()) return;
+      if (!headerFault_.empty()) {
+        storing_ = false;
+        return;
+      }
       columns_.emplace_back();
       columns_.back().column.name = name;
     }
@@ -358,6 +360,17 @@ void WriteField(std::string* out, std::string_view text, bool quote) {
     *out += c;
   }
   *out += '"';
+}
+
+// A number in its shortest form, unless that form is a missing code: then
+// with leading zeros after the sign, as few as make it no code (one of
+// codes.size() + 1 forms is none).
+void WriteNumber(std::string* out, double value, const std::vector<std::string>& codes) {
+  std::string text = detail::FormatNumberText(value);
+  const size_t digits = text.front() == '-' ? 1 : 0;
+  for (size_t zeros = 0; zeros <= codes.size() && IsMissingCode(text, codes); ++zeros)
+    text.insert(digits, 1, '0');
+  out->append(text);
 }
 
 }  // namespace
@@ -442,7 +455,7 @@ std::string SaveCsvText() {
                    NeedsQuotes(text) || detail::ClassifyCell(text, &value) != CellNumber::kText ||
                        IsMissingCode(text, codes));
       } else if (column.numbers[static_cast<size_t>(r)] != kMissing) {
-        out += detail::FormatNumberText(column.numbers[static_cast<size_t>(r)]);
+        WriteNumber(&out, column.numbers[static_cast<size_t>(r)], codes);
       }
     }
     // A blank line would be skipped on reading: a lone empty cell is quoted.
