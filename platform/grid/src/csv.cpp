@@ -154,7 +154,8 @@ struct ColumnBuild {
   int32_t notFiniteLine = 0;
   std::string notFiniteCell;
 
-  void Add(const RawCell& cell, size_t row, int32_t line, const std::vector<std::string>& codes) {
+  void Add(const RawCell& cell, size_t row, int32_t line, const std::vector<std::string>& codes,
+           size_t expectedRows) {
     const bool missing = cell.body.empty() || (!cell.quoted && IsMissingCode(cell.body, codes));
     if (column.type == 'N') {
       if (missing) {
@@ -182,6 +183,7 @@ struct ColumnBuild {
       column.textQuoted = cell.quoted;
       textFrom = row;
       column.numbers = std::vector<double>();
+      column.texts.reserve(expectedRows);
       column.texts.resize(row);
     }
     if (missing) {
@@ -228,7 +230,7 @@ class SheetBuild {
     }
     if (cell.Length() > static_cast<size_t>(kMaxCellLength) && longCell_ < 0)
       longCell_ = static_cast<int64_t>(index);
-    columns_[index].Add(cell, rows_, line, codes_);
+    columns_[index].Add(cell, rows_, line, codes_, expectedRows_);
   }
 
   bool End(size_t fields, int32_t line) {
@@ -236,6 +238,15 @@ class SheetBuild {
       headerDone_ = true;
       CheckHeader(line);
       dataStart_ = *cursor_;
+      // Room for as many rows as the rest has line ends, so that no column
+      // grows by copying: a bound, since blank lines and quoted line breaks
+      // count too.
+      const std::string_view rest = cursor_->text.substr(cursor_->at);
+      expectedRows_ = std::min<size_t>(std::max(std::count(rest.begin(), rest.end(), '\n'),
+                                                std::count(rest.begin(), rest.end(), '\r')) +
+                                           1,
+                                       static_cast<size_t>(kMaxRows));
+      for (ColumnBuild& build : columns_) build.column.numbers.reserve(expectedRows_);
       return true;
     }
     ++rows_;
@@ -336,6 +347,7 @@ class SheetBuild {
   std::vector<ColumnBuild> columns_;
   Cursor dataStart_;
   size_t rows_ = 0;
+  size_t expectedRows_ = 0;
   bool storing_ = true;
   bool extraField_ = false;
   int64_t longCell_ = -1;
