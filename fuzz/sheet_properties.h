@@ -1,15 +1,18 @@
-// What must hold for any input to the sheet's CSV reader and expression
-// parser. The fuzz targets abort on a broken property; the failures test
+// What must hold for any input to the sheet's CSV reader, its save path and
+// the expression parser. The fuzz targets abort on a broken property; the failures test
 // replays the inputs kept in tests/data/failures through the same checks.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "csv_reference.h"
 #include "zvgrid/sheet.h"
 #include "zvgrid/zvgrid.h"
 
@@ -40,21 +43,77 @@ inline std::string CheckSheetShape() {
   return {};
 }
 
-// Accepted text makes a sheet of the right shape, saves, loads again and
-// saves to the same text; a refusal names its line. Empty when all holds,
-// else what broke.
-inline std::string CheckCsv(std::string_view text) {
-  std::string error;
-  if (!zvgrid::LoadCsvText(text, &error)) {
-    return error.rfind("Line ", 0) == 0 ? std::string() : "a message that names no line: " + error;
+// The sheet equals what the reference reader makes of the text, or both
+// refuse it with the same message.
+inline std::string CompareWithReference(std::string_view text, bool loaded,
+                                        const std::string& error) {
+  std::vector<zvgrid::Column> expected;
+  const std::string refusal = ReferenceLoad(text, zvgrid::MissingCodes(), &expected);
+  if (!loaded || !refusal.empty()) {
+    return loaded || error != refusal
+               ? "refused as \"" + error + "\", the rules say \"" + refusal + "\""
+               : "";
   }
-  if (std::string shape = CheckSheetShape(); !shape.empty()) return shape;
-  const std::string saved = zvgrid::SaveCsvText();
-  if (!zvgrid::LoadCsvText(saved, &error)) return "the saved text does not load: " + error;
-  const std::string again = zvgrid::SaveCsvText();
-  if (again != saved)
-    return "the saved text changes when loaded and saved:\n" + saved + "\n---\n" + again;
+  const std::vector<zvgrid::Column>& columns = zvgrid::Columns();
+  if (columns.size() != expected.size()) return "a different number of columns";
+  for (size_t c = 0; c < columns.size(); ++c) {
+    const zvgrid::Column& got = columns[c];
+    const zvgrid::Column& want = expected[c];
+    const bool sameNumbers =
+        got.numbers.size() == want.numbers.size() &&
+        std::equal(got.numbers.begin(), got.numbers.end(), want.numbers.begin(),
+                   [](double a, double b) { return a == b && std::signbit(a) == std::signbit(b); });
+    if (got.name != want.name || got.type != want.type || got.width != want.width || !sameNumbers ||
+        got.texts != want.texts || got.textRow != want.textRow || got.textCell != want.textCell ||
+        got.textQuoted != want.textQuoted)
+      return "column " + std::to_string(c + 1) + " differs from the rules' reading";
+  }
   return {};
+}
+
+// Under the default missing codes and under others: the text loads as the
+// rules say, into a sheet of the right shape that saves, loads again and
+// saves to the same text. Empty when all holds, else what broke.
+inline std::string CheckCsv(std::string_view text) {
+  const std::vector<std::vector<std::string>> codeLists = {zvgrid::DefaultMissingCodes(),
+                                                           {"0", "x y", "-"}};
+  std::string fault;
+  for (const std::vector<std::string>& codes : codeLists) {
+    zvgrid::SetMissingCodes(codes);
+    std::string error;
+    const bool loaded = zvgrid::LoadCsvText(text, &error);
+    fault = CompareWithReference(text, loaded, error);
+    if (fault.empty() && loaded) fault = CheckSheetShape();
+    if (fault.empty() && loaded) {
+      const std::string saved = zvgrid::SaveCsvText();
+      if (!zvgrid::LoadCsvText(saved, &error)) {
+        fault = "the saved text does not load: " + error;
+      } else if (const std::string again = zvgrid::SaveCsvText(); again != saved) {
+        fault = "the saved text changes when loaded and saved:\n" + saved + "\n---\n" + again;
+      }
+    }
+    if (!fault.empty()) break;
+  }
+  zvgrid::SetMissingCodes(zvgrid::DefaultMissingCodes());
+  return fault;
+}
+
+// A sheet that the text loads into, saved to `path` and loaded from there,
+// is the same sheet; the file is removed. Empty when all holds.
+inline std::string CheckSaveFile(std::string_view text, const std::string& path) {
+  std::string error;
+  if (!zvgrid::LoadCsvText(text, &error)) return {};
+  const std::string saved = zvgrid::SaveCsvText();
+  std::string fault;
+  if (!zvgrid::SaveCsvFile(path, &error)) {
+    fault = "the save failed: " + error;
+  } else if (!zvgrid::LoadCsvFile(path, &error)) {
+    fault = "the saved file does not load: " + error;
+  } else if (zvgrid::SaveCsvText() != saved) {
+    fault = "the sheet changed on its way through the file";
+  }
+  std::remove(path.c_str());
+  return fault;
 }
 
 // The sheet the expression checks run over: numeric, text, empty and short

@@ -98,6 +98,8 @@ TEST_F(ZivaraTest, ExitStatusesAndRefusals) {
     std::string inStderr;
   };
   const std::string sheet = Sheet();
+  const std::string coded = (folder_ / "coded.csv").string();
+  std::ofstream(coded) << "Weight\n150\nNA\nn/a\n170\n.\n";
   const Row rows[] = {
       // The analysis ran, though it ends with a status (all values equal).
       {__LINE__, {"run", "DotDiagram", "--sheet", sheet, "--var", "1=Constant"}, {}, 0, ""},
@@ -110,6 +112,13 @@ TEST_F(ZivaraTest, ExitStatusesAndRefusals) {
       {__LINE__, {"run", "DotDiagram", "--sheet", sheet, "--var", "1=Nope"}, {}, 2,
        "Zivara Suite: "},
       {__LINE__, {"run", "DotDiagram", "--sheet", sheet}, {}, 2, "Zivara Suite: "},
+      // A character column refused: the Host names the cell that made it one.
+      {__LINE__, {"run", "DotDiagram", "--sheet", coded, "--var", "1=Weight"}, {}, 2,
+       "where numbers are needed.\nColumn \"Weight\" is text: row 3 holds \"n/a\".\n"},
+      {__LINE__, {"run", "DotDiagram", "--sheet", coded, "--var", "1=(Weight)", "--na", "NA,n/a,."},
+       {}, 0, ""},
+      {__LINE__, {"run", "DotDiagram", "--sheet", coded, "--var", "1=Weight", "--na", ""}, {}, 2,
+       "Column \"Weight\" is text: row 2 holds \"NA\"."},
       {__LINE__, {"run", "DotDiagram", "--sheet", sheet, "--var", "1=Weight", "--select", "Height >"},
        {}, 2, "Zivara Suite: "},
       {__LINE__, {"run", "DotDiagram", "--sheet", sheet, "--var", "2=Weight"}, {}, 2,

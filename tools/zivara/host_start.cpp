@@ -30,7 +30,10 @@ std::string SampleSheetOf(const zvhost::FamilySpec& family) {
   return DataFolder() + "/" + family.sampleSheet;
 }
 
-bool LoadSheet(const std::string& path, std::ostream& err) {
+bool LoadSheet(const std::string& path, std::ostream& err,
+               const std::optional<std::string>& missingCodes) {
+  zvgrid::SetMissingCodes(missingCodes ? zvgrid::ParseMissingCodes(*missingCodes)
+                                       : zvgrid::DefaultMissingCodes());
   std::string error;
   if (!zvgrid::LoadCsvFile(path, &error)) {
     err << "zivara: cannot read the sheet " << path << ": " << error << "\n";

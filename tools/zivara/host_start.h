@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "zvhost/host.h"
@@ -19,7 +20,10 @@ std::unique_ptr<zvhost::Host> StartHost(std::ostream& messages, std::ostream& er
 std::string DataFolder();
 std::string SampleSheetOf(const zvhost::FamilySpec& family);
 
-// Loads a CSV sheet into the data sheet; false after writing the reason.
-bool LoadSheet(const std::string& path, std::ostream& err);
+// Loads a CSV sheet into the data sheet, reading the cells of the
+// comma-separated `missingCodes` (else the sheet's default codes) as missing;
+// false after writing the reason.
+bool LoadSheet(const std::string& path, std::ostream& err,
+               const std::optional<std::string>& missingCodes = std::nullopt);
 
 }  // namespace zivara

@@ -53,6 +53,8 @@ int main(int argc, char** argv) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   runCommand->add_option("--pane", run.panes, "Pane to print (repeatable)");
   runCommand->add_option("--graphs", run.graphs, "Folder for the graph panes as SVG and PNG");
+  runCommand->add_option("--na", run.missingCodes,
+                         "LIST: comma-separated cell texts read as missing; default NA,NaN,.");
 
   std::string demoFolder;
   CLI::App* demoCommand =

@@ -71,7 +71,7 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err) 
   if (!BuildRequest(options, &request, err)) return kExitRefused;
   const zvhost::FamilySpec& family = *request.family;
   const std::string sheet = options.sheet.empty() ? SampleSheetOf(family) : options.sheet;
-  if (!LoadSheet(sheet, err)) return kExitRefused;
+  if (!LoadSheet(sheet, err, options.missingCodes)) return kExitRefused;
   std::unique_ptr<zvhost::Host> host = StartHost(err, err);
   if (!host) return kExitFault;
 

@@ -17,6 +17,7 @@ struct RunOptions {
   std::vector<std::string> options;  // ITEM, SETTINGS, ITEM, SETTINGS, ...
   std::vector<int> panes;
   std::string graphs;                // folder for the graph pictures; empty: none
+  std::optional<std::string> missingCodes;  // --na LIST; none: the sheet's default codes
 };
 
 int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err);

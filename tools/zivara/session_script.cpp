@@ -226,9 +226,13 @@ void Session::Run(const std::vector<std::string>& w, const std::string& where) {
   messageMark_ = messages_.size();
 
   if (command == "sheet") {
-    need(1, "sheet FILE");
+    need(1, "sheet FILE [--na LIST]");
+    if (w.size() != 2 && (w.size() != 4 || w[2] != "--na"))
+      throw Malformed{"usage: sheet FILE [--na LIST]"};
     std::ostringstream why;
-    if (!LoadSheet(Path(w[1], false), why)) throw Malformed{why.str()};
+    const std::optional<std::string> codes =
+        w.size() == 4 ? std::optional<std::string>(w[3]) : std::nullopt;
+    if (!LoadSheet(Path(w[1], false), why, codes)) throw Malformed{why.str()};
   } else if (command == "save") {
     need(1, "save FILE");
     std::string error;

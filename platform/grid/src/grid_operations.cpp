@@ -131,7 +131,9 @@ int32_t GridRowCount() {
 
 char GridColumnType(int32_t columnIndex) {
   const zvgrid::Column* column = zvgrid::ColumnAt(columnIndex + 1);
-  return column != nullptr ? column->type : 'N';
+  const char type = column != nullptr ? column->type : 'N';
+  Sheet().servedTextColumn = type == 'C' ? columnIndex : -1;
+  return type;
 }
 
 void GridAddColumn(const char* name, char type, int32_t width, int32_t one) {
@@ -225,6 +227,7 @@ int32_t GridOpenExpression(const char* text) {
   if (!zvgrid::CompileShown(text, zvgrid::detail::ExpressionMode::kSheet, &expression)) return 0;
   zvgrid::OpenExpression open;
   zvgrid::EvaluateAll(expression, &open);
+  Sheet().servedTextColumn = open.text ? open.namedColumn : -1;
   zvgrid::Open() = std::move(open);
   return 1;
 }

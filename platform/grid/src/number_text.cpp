@@ -98,6 +98,30 @@ bool ParseNumberText(std::string_view text, bool commaPoint, double* value) {
   return true;
 }
 
+CellNumber ClassifyCell(std::string_view text, double* value) {
+  bool negative = false;
+  if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
+    negative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  if (text.empty()) return CellNumber::kText;
+  if (IsDigit(text.front()) || text.front() == '.') {
+    // from_chars reads the same grammar as ScanNumber once the sign is off
+    // and the text starts with a digit or a point.
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, *value);
+    if (stop != end) return CellNumber::kText;
+    if (error == std::errc::result_out_of_range && !NumberValue(text, value))
+      return CellNumber::kNotFinite;
+    if (error != std::errc() && error != std::errc::result_out_of_range) return CellNumber::kText;
+    if (negative) *value = -*value;
+    return CellNumber::kNumber;
+  }
+  if (EqualNoCase(text, "inf") || EqualNoCase(text, "infinity") || EqualNoCase(text, "nan"))
+    return CellNumber::kNotFinite;
+  return CellNumber::kText;
+}
+
 std::string FormatNumberText(double value) {
   char buffer[32];
   const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, value);

@@ -22,6 +22,13 @@ bool NumberValue(std::string_view digits, double* value);
 // point (the module writes numbers in the user's decimal character).
 bool ParseNumberText(std::string_view text, bool commaPoint, double* value);
 
+// What a CSV cell (without blanks at its ends) holds: a number of the
+// grammar of ParseNumberText, a value that is not finite (such a number too
+// large for a double, or inf, infinity or nan in any case, with an optional
+// sign), or a text. `value` is set for a number.
+enum class CellNumber { kNumber, kNotFinite, kText };
+CellNumber ClassifyCell(std::string_view text, double* value);
+
 // The shortest text that reads back as the same double.
 std::string FormatNumberText(double value);
 

@@ -123,6 +123,35 @@ void ClearSheet() {
   detail::SheetState& sheet = detail::Sheet();
   sheet.columns.clear();
   sheet.selectLength = 0;
+  sheet.servedTextColumn = -1;
+}
+
+void SetMissingCodes(std::vector<std::string> codes) {
+  detail::Sheet().missingCodes = std::move(codes);
+}
+
+const std::vector<std::string>& MissingCodes() {
+  return detail::Sheet().missingCodes;
+}
+
+std::vector<std::string> DefaultMissingCodes() {
+  return {"NA", "NaN", "."};
+}
+
+std::vector<std::string> ParseMissingCodes(std::string_view list) {
+  std::vector<std::string> codes;
+  size_t at = 0;
+  while (at <= list.size()) {
+    const size_t comma = std::min(list.find(',', at), list.size());
+    const std::string_view code = detail::TrimBlanks(list.substr(at, comma - at));
+    if (!code.empty()) codes.emplace_back(code);
+    at = comma + 1;
+  }
+  return codes;
+}
+
+int32_t LastTextColumnServed() {
+  return detail::Sheet().servedTextColumn;
 }
 
 const std::vector<Column>& Columns() {

@@ -20,6 +20,8 @@ struct SheetState {
   int32_t selectLength = 0;  // length of an expression that names no column; 0: the row count
   int32_t accessLevel = 0;
   std::vector<SentCommand> commands;
+  std::vector<std::string> missingCodes = DefaultMissingCodes();
+  int32_t servedTextColumn = -1;  // LastTextColumnServed
 };
 
 SheetState& Sheet();

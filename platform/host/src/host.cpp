@@ -6,6 +6,7 @@
 #include "zvchart/zvchart.h"
 #include "zvcounsel/zvcounsel.h"
 #include "zvgrid/sheet.h"
+#include "text_column_note.h"
 #include "zvhost/record_blocks.h"
 
 namespace zvhost {
@@ -69,7 +70,7 @@ Host::Host()
 
   WinSetDialogDriver(&user_);
   WinSetMessageBoxResponder([this](const MessageBoxCall& call) -> int32_t {
-    if (observer_) observer_(call);
+    if (observer_) observer_(WithTextColumnNote(call));
     if (answers_.empty()) return 0;
     int32_t answer = answers_.front();
     answers_.pop_front();

@@ -1,8 +1,16 @@
 // CSV reading and writing of the sheet.
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 
+#include <algorithm>
+#include <cmath>
+#include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "grid_fixture.h"
 
@@ -76,30 +84,79 @@ TEST_F(CsvTest, PadsShortRowsAndAcceptsEmptyExtraFields) {
   EXPECT_EQ(Columns()[2].numbers, (std::vector<double>{kMissing, 3, kMissing}));
 }
 
-TEST_F(CsvTest, NumbersFollowOneGrammar) {
+TEST_F(CsvTest, TypesEachCellByOneGrammar) {
+  // 'N' a number, 'M' missing, 'C' a text, 'R' the file is refused.
   struct Row {
     int line;
     std::string cell;
-    double value;  // kMissing: the cell is not a number
+    char kind;
+    double value;
   };
   const Row rows[] = {
-      {__LINE__, "12", 12.0},        {__LINE__, "+1.5", 1.5},       {__LINE__, "-.25", -0.25},
-      {__LINE__, "3.", 3.0},         {__LINE__, "1E-2", 0.01},      {__LINE__, "2e+3", 2000.0},
-      {__LINE__, "1e-400", 0.0},     {__LINE__, "1e400", kMissing}, {__LINE__, "inf", kMissing},
-      {__LINE__, "nan", kMissing},   {__LINE__, "0x10", kMissing},  {__LINE__, "1e", kMissing},
-      {__LINE__, "1 2", kMissing},   {__LINE__, ".", kMissing},     {__LINE__, "--1", kMissing},
-      {__LINE__, "1.2.3", kMissing},
+      {__LINE__, "12", 'N', 12.0},     {__LINE__, "+1.5", 'N', 1.5},
+      {__LINE__, "-.25", 'N', -0.25},  {__LINE__, "3.", 'N', 3.0},
+      {__LINE__, "1E-2", 'N', 0.01},   {__LINE__, "2e+3", 'N', 2000.0},
+      {__LINE__, "1e-400", 'N', 0},    {__LINE__, "-0", 'N', -0.0},
+      {__LINE__, "0x10", 'C', 0},      {__LINE__, "1e", 'C', 0},
+      {__LINE__, "1 2", 'C', 0},       {__LINE__, "--1", 'C', 0},
+      {__LINE__, "+-1", 'C', 0},       {__LINE__, "1.2.3", 'C', 0},
+      {__LINE__, "na", 'C', 0},        {__LINE__, "\"NA\"", 'C', 0},
+      {__LINE__, "\"12\"", 'C', 0},    {__LINE__, "NA", 'M', 0},
+      {__LINE__, " NaN ", 'M', 0},     {__LINE__, ".", 'M', 0},
+      {__LINE__, "\"\"", 'M', 0},      {__LINE__, "1e400", 'R', 0},
+      {__LINE__, "-1e309", 'R', 0},    {__LINE__, "inf", 'R', 0},
+      {__LINE__, "-Infinity", 'R', 0}, {__LINE__, "nan", 'R', 0},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.line);
-    Load("A\n" + row.cell + "\n");
-    if (row.value == kMissing) {
-      EXPECT_EQ(Columns()[0].type, 'C');
+    std::string error;
+    const bool loaded = zvgrid::LoadCsvText("A\n7\n" + row.cell + "\n", &error);
+    ASSERT_EQ(loaded, row.kind != 'R') << error;
+    if (!loaded) {
+      EXPECT_EQ(error,
+                "Line 3: column \"A\" holds \"" + row.cell + "\", which is not a finite number.");
+    } else if (row.kind == 'C') {
+      ASSERT_EQ(Columns()[0].type, 'C');
+      EXPECT_EQ(Columns()[0].texts[0], "7");
+      EXPECT_EQ(Columns()[0].textRow, 2);
     } else {
       ASSERT_EQ(Columns()[0].type, 'N');
-      EXPECT_EQ(Columns()[0].numbers[0], row.value);
+      const double value = row.kind == 'M' ? kMissing : row.value;
+      EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{7.0, value}));
+      EXPECT_EQ(std::signbit(Columns()[0].numbers[1]), std::signbit(value));
     }
   }
+}
+
+TEST_F(CsvTest, MissingCodesAndTheCellThatMakesAColumnText) {
+  // A text column keeps its cells exactly, also those before its first text;
+  // missing codes are empty texts there, and a cell that is not finite is an
+  // ordinary text.
+  Load("Dose,Group,Size\n1.50,NA,1\n2,b,2\nNA,\"NA\",1e309\n.,a, n/a \n");
+  const std::vector<Column>& columns = Columns();
+  EXPECT_EQ(columns[0].numbers, (std::vector<double>{1.5, 2.0, kMissing, kMissing}));
+  EXPECT_EQ(columns[1].texts, (std::vector<std::string>{"", "b", "NA", "a"}));
+  EXPECT_EQ(columns[2].texts, (std::vector<std::string>{"1", "2", "1e309", "n/a"}));
+  EXPECT_EQ(columns[2].width, 5);
+  EXPECT_EQ(columns[1].textRow, 2);
+  EXPECT_EQ(columns[1].textCell, "b");
+  EXPECT_EQ(columns[2].textRow, 4);
+  EXPECT_EQ(columns[2].textCell, "n/a");
+  EXPECT_FALSE(columns[2].textQuoted);
+  // Texts that would read back as missing or as numbers keep their quotes.
+  const std::string saved = zvgrid::SaveCsvText();
+  EXPECT_EQ(saved, "Dose,Group,Size\r\n1.5,,\"1\"\r\n2,b,\"2\"\r\n,\"NA\",\"1e309\"\r\n,a,n/a\r\n");
+
+  zvgrid::SetMissingCodes(zvgrid::ParseMissingCodes(" -99 ,, n/a"));
+  EXPECT_EQ(zvgrid::MissingCodes(), (std::vector<std::string>{"-99", "n/a"}));
+  Load("A,B\n-99,NA\n3,n/a\n");
+  EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{kMissing, 3.0}));
+  EXPECT_EQ(Columns()[1].texts, (std::vector<std::string>{"NA", ""}));
+  EXPECT_EQ(Columns()[1].width, 2);
+  zvgrid::SetMissingCodes({});
+  Load("A\n\"7\"\n.\n");
+  EXPECT_EQ(Columns()[0].texts, (std::vector<std::string>{"7", "."}));
+  EXPECT_TRUE(Columns()[0].textQuoted);
 }
 
 TEST_F(CsvTest, RefusesMalformedInputNamingTheLine) {
@@ -185,19 +242,114 @@ TEST_F(CsvTest, PadsShorterColumnsWhenSaving) {
   EXPECT_EQ(zvgrid::SaveCsvText(), "long,short\r\n1,a\r\n2,\r\n3,\r\n");
 }
 
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+std::vector<std::string> FolderEntries(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// A fresh, empty folder under the test's temporary directory.
+std::string FreshFolder(const std::string& name) {
+  const std::string folder = ::testing::TempDir() + "zvgrid_" + name;
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  return folder;
+}
+
 TEST_F(CsvTest, LoadsAndSavesFiles) {
-  const std::string path = ::testing::TempDir() + "zvgrid_csv_test.csv";
+  const std::string folder = FreshFolder("files");
+  const std::string path = folder + "/a.csv";
   Load("A,B\n1,x\n");
   std::string error;
   ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;
-  zvgrid::ClearSheet();
+  Load("A\n2\n");
+  ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;  // replaces the file
+  EXPECT_EQ(ReadFile(path), "A\r\n2\r\n");
+  EXPECT_EQ(FolderEntries(folder), std::vector<std::string>{"a.csv"});
   ASSERT_TRUE(zvgrid::LoadCsvFile(path, &error)) << error;
-  EXPECT_EQ(Columns()[1].texts, (std::vector<std::string>{"x"}));
-  std::remove(path.c_str());
-  EXPECT_FALSE(zvgrid::LoadCsvFile(path, &error));
-  EXPECT_EQ(error, "Cannot open \"" + path + "\".");
-  EXPECT_FALSE(zvgrid::SaveCsvFile("/nonexistent-folder/x.csv", &error));
-  EXPECT_EQ(error, "Cannot write \"/nonexistent-folder/x.csv\".");
+  EXPECT_EQ(Columns()[0].numbers, std::vector<double>{2.0});
+
+  struct Row {
+    int line;
+    std::string path;
+    std::string error;
+  };
+  const Row rows[] = {
+      {__LINE__, folder + "/missing.csv", "Cannot open \"" + folder + "/missing.csv\"."},
+      {__LINE__, "/nonexistent-folder/x.csv",
+       "Cannot write \"/nonexistent-folder/x.csv\": no such folder."},
+      {__LINE__, folder, "Cannot write \"" + folder + "\": is a folder."},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    const bool saving = row.error.rfind("Cannot write", 0) == 0;
+    EXPECT_FALSE(saving ? zvgrid::SaveCsvFile(row.path, &error)
+                        : zvgrid::LoadCsvFile(row.path, &error));
+    EXPECT_EQ(error, row.error);
+  }
+  EXPECT_EQ(FolderEntries(folder), std::vector<std::string>{"a.csv"});
+}
+
+// A save that fails while writing leaves the file it would replace as it was,
+// creates no file under a new name, and leaves no temporary file behind.
+// Two real failures: a full file system (a small tmpfs mounted in a mount
+// namespace of this process alone, where the process may do that) and the
+// process's file size limit.
+bool MountSmallFileSystem(const std::string& folder) {
+  return ::unshare(CLONE_NEWNS) == 0 &&
+         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         ::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=16k") == 0;
+}
+
+TEST_F(CsvTest, FailedSaveLeavesTheTargetAsItWas) {
+  std::vector<double> many(20000);
+  for (size_t i = 0; i < many.size(); ++i) many[i] = 1.0 / static_cast<double>(i + 3);
+  for (const bool fullDevice : {true, false}) {
+    SCOPED_TRACE(fullDevice ? "full device" : "file size limit");
+    const std::string folder = FreshFolder("full");
+    if (fullDevice && !MountSmallFileSystem(folder)) {
+      std::printf("no tmpfs can be mounted here: only the file size limit is tried\n");
+      continue;
+    }
+    const std::string path = folder + "/a.csv";
+    Load("A\n1\n");
+    std::string error;
+    ASSERT_TRUE(zvgrid::SaveCsvFile(path, &error)) << error;
+    const std::string before = ReadFile(path);
+
+    zvgrid::ClearSheet();
+    ASSERT_TRUE(zvgrid::AddNumericColumn("A", many));
+    rlimit saved{};
+    ::getrlimit(RLIMIT_FSIZE, &saved);
+    void (*oldHandler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    if (!fullDevice) {
+      rlimit small = saved;
+      small.rlim_cur = 4096;
+      ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    const bool replaced = zvgrid::SaveCsvFile(path, &error);
+    const std::string replaceError = error;
+    const bool created = zvgrid::SaveCsvFile(folder + "/b.csv", &error);
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, oldHandler);
+
+    EXPECT_FALSE(replaced);
+    EXPECT_FALSE(created);
+    const std::string reason = fullDevice ? "no space left on device" : "the file is too large";
+    EXPECT_EQ(replaceError, "Cannot write \"" + path + "\": " + reason + ".");
+    EXPECT_EQ(error, "Cannot write \"" + folder + "/b.csv\": " + reason + ".");
+    const std::string after = ReadFile(path);
+    EXPECT_TRUE(after == before) << "a.csv now has " << after.size() << " bytes";
+    EXPECT_EQ(FolderEntries(folder), std::vector<std::string>{"a.csv"});
+    if (fullDevice) ::umount(folder.c_str());
+  }
 }
 
 }  // namespace

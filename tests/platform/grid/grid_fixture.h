@@ -15,6 +15,7 @@ class GridTest : public ::testing::Test {
  protected:
   void SetUp() override {
     zvgrid::ClearSheet();
+    zvgrid::SetMissingCodes(zvgrid::DefaultMissingCodes());
     zvgrid::ClearSentCommands();
     GridExpressionStep(0, nullptr);
     GridReleaseFormula();

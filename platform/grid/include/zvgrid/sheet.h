@@ -18,16 +18,41 @@ struct Column {
   int32_t width = 1;               // characters per cell of a 'C' column
   std::vector<double> numbers;     // numeric cells; kMissing where empty
   std::vector<std::string> texts;  // character cells
+  // The cell that made a column read from a file a character column: its row
+  // (from 1; 0 when the column did not come from a file), its text, and
+  // whether the file had it in quotes.
+  int32_t textRow = 0;
+  std::string textCell;
+  bool textQuoted = false;
 };
 
 // Replaces the current sheet with the CSV text: a header row of names; a
 // column whose non-empty cells are all numbers is numeric, else character
-// with its longest cell as width; an empty cell is missing. Returns false and
-// an error text (with line number) for malformed input.
+// with its longest cell as width; an empty cell and one that is a missing
+// code are missing. Returns false and an error text (with line number) for
+// malformed input, and for a cell that is a number too large for a double
+// or inf or nan in a column that is otherwise numeric.
 bool LoadCsvText(std::string_view text, std::string* error);
 bool LoadCsvFile(const std::string& path, std::string* error);
 std::string SaveCsvText();
 bool SaveCsvFile(const std::string& path, std::string* error);
+
+// Cell texts that mean a missing value in CSV files, besides the empty cell:
+// an unquoted cell equal to one of them (blanks at both ends aside, case
+// sensitive) is missing in a numeric column and an empty text in a character
+// column, and a text equal to one is saved in quotes. The default is "NA",
+// "NaN" and ".".
+void SetMissingCodes(std::vector<std::string> codes);
+const std::vector<std::string>& MissingCodes();
+std::vector<std::string> DefaultMissingCodes();
+// The codes of a comma-separated list ("NA,-99"), blanks at both ends of each
+// dropped, empty ones left out.
+std::vector<std::string> ParseMissingCodes(std::string_view list);
+
+// The character column that the module was last handed, by GridColumnType or
+// as the plain column behind GridOpenExpression: its index from 0, or -1 when
+// the last column handed over was numeric or no column.
+int32_t LastTextColumnServed();
 
 void ClearSheet();
 const std::vector<Column>& Columns();
