@@ -15,12 +15,6 @@ namespace zivara {
 
 namespace {
 
-struct DemoInput {
-  const char* family;
-  std::vector<std::pair<int32_t, std::string>> variables;
-  const char* select;  // nullptr: none
-};
-
 // The variables each procedure is shown with, on its bundled sample sheet.
 const std::vector<DemoInput>& DemoInputs() {
   static const std::vector<DemoInput> kInputs = {
@@ -38,16 +32,32 @@ const std::vector<DemoInput>& DemoInputs() {
       {"Rowwise", {{1, "Pulse1;Pulse2;Pulse3"}}, nullptr},
       {"BubbleChart", {{1, "Weight"}, {2, "Height"}, {3, "Age"}, {4, "Sex"}}, nullptr},
       {"DotDiagram", {{1, "Weight"}}, "Height > 60"},
-      {"Surfplot",
-       {{1, "X*EXP(-(X^2+Y^2))"}, {2, "-2"}, {3, "2"}, {4, "-2"}, {5, "2"}},
-       nullptr},
+      {"Surfplot", {{1, "X*EXP(-(X^2+Y^2))"}, {2, "-2"}, {3, "2"}, {4, "-2"}, {5, "2"}}, nullptr},
       {"Custom",
-       {{1, "Dose and response"}, {2, "Response"}, {3, "Dose"}, {4, "0"}, {5, "100"},
-        {6, "20"}, {7, "0"}, {8, "100"}, {9, "20"}},
+       {{1, "Dose and response"},
+        {2, "Response"},
+        {3, "Dose"},
+        {4, "0"},
+        {5, "100"},
+        {6, "20"},
+        {7, "0"},
+        {8, "100"},
+        {9, "20"}},
        nullptr},
   };
   return kInputs;
 }
+
+}  // namespace
+
+const DemoInput* DemoInputOf(std::string_view family) {
+  for (const DemoInput& input : DemoInputs()) {
+    if (family == input.family) return &input;
+  }
+  return nullptr;
+}
+
+namespace {
 
 std::string NewTemporaryFolder() {
   std::string pattern = (std::filesystem::temp_directory_path() / "zivara-demo-XXXXXX").string();
@@ -99,7 +109,10 @@ int DemoCommand(const std::string& folder, std::ostream& out, std::ostream& err)
     }
     std::ofstream(dir + "/messages.txt") << messages.str() << problems.str();
     index << family->name << ": "
-          << (outcome == kExitRan ? "ran" : outcome == kExitRefused ? "refused" : "fault") << "\n";
+          << (outcome == kExitRan       ? "ran"
+              : outcome == kExitRefused ? "refused"
+                                        : "fault")
+          << "\n";
     if (outcome != kExitRan) {
       err << problems.str();
       exitCode = kExitFault;
