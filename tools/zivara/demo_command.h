@@ -1,6 +1,7 @@
 // zivara demo [FOLDER]: every procedure that the module has, run on the
-// bundled sample sheets; the panes and pictures are written to FOLDER (a new
-// temporary folder when none is given), whose name is printed at the end.
+// bundled sample sheets; the panes, pictures and one HTML page per analysis
+// are written to FOLDER (a new temporary folder when none is given), with an
+// HTML index. Stdout gets one line per procedure and the folder at the end.
 #pragma once
 
 #include <cstdint>

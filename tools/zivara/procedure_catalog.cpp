@@ -459,9 +459,10 @@ std::string CensoringNote(zvhost::Host& host, int32_t slot) {
   }
   const std::string column(zv::CountedText(b.expression));
   return "zivara: note: in the censoring column \"" + column + "\" " + why +
-         ". A value above 0 marks a withdrawn (censored) row and 0 a failure, the opposite of "
-         "R's status; if 1 marks the event there, give \"1 - " +
-         column + "\" (0/1) or \"" + column + " = 1\" (1/2) instead. The analysis ran as given.\n";
+         ". Here a value above 0 marks a withdrawn (censored) row and 0 a failure, the "
+         "opposite of R's status. If the column marks the event as R does, give \"1 - " +
+         column + "\" (0/1 coding) or \"" + column +
+         " = 1\" (1/2 coding) instead. The analysis ran as given.\n";
 }
 
 }  // namespace zivara
