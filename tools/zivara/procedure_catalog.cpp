@@ -12,6 +12,7 @@
 #include "host_start.h"
 #include "pane_output.h"
 #include "zivara_exit.h"
+#include "zvgrid/sheet.h"
 
 namespace zivara {
 
@@ -378,20 +379,34 @@ int DescribeCommand(const std::string& procedure, std::ostream& out, std::ostrea
            "give \"1 - status\"; for R's 1/2 coding give \"status = 1\".\n";
   }
 
-  // The panes and their options come from a run with the demo's inputs.
+  // The panes and their options come from a run on the sample sheet with
+  // the required fields only (a group variable can take options away: Life2
+  // offers none on its plots for several groups): the demo's inputs, or for
+  // a procedure the demo does not know, the sheet's numeric columns in turn.
   const DemoInput* input = DemoInputOf(family->name);
   AnalysisRun run;
-  if (input != nullptr && LoadSheet(SampleSheetOf(*family), quiet)) {
+  if (LoadSheet(SampleSheetOf(*family), quiet)) {
     AnalysisRequest request;
     request.family = family;
-    // The required fields only: a group variable can take options away
-    // (Life2 offers none on its plots for several groups).
-    const std::vector<VariableFieldInfo> fields = VariableFieldsOf(*family);
-    for (const auto& [number, text] : input->variables) {
-      for (const VariableFieldInfo& f : fields) {
-        if (f.number == number && (f.required || !f.known))
-          request.variables.emplace_back(number, text);
+    std::vector<std::string> numeric;
+    for (const zvgrid::Column& c : zvgrid::Columns()) {
+      if (c.type != 'C') numeric.push_back(c.name);
+    }
+    size_t next = 0;
+    auto column = [&] {
+      return numeric.empty() ? std::string() : numeric[next++ % numeric.size()];
+    };
+    for (const VariableFieldInfo& f : VariableFieldsOf(*family)) {
+      if (f.number == 0 || (f.known && !f.required)) continue;
+      std::string text;
+      if (input != nullptr) {
+        for (const auto& [number, given] : input->variables) {
+          if (number == f.number) text = given;
+        }
+      } else if (f.known) {
+        text = f.isList ? column() + ";" + column() : column();
       }
+      if (!text.empty()) request.variables.emplace_back(f.number, text);
     }
     run = RunAnalysis(*host, request, quiet);
   }
