@@ -3,7 +3,7 @@
 # movable blocks that move at every unlock, and runs the whole test suite.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh --tests
 build=${ZV_TEST_BUILD_DIR:-build-test}
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Debug -DZV_SANITIZE=ON -DZV_MOVE_BLOCKS=ON \
       -DZV_BUILD_BENCH=OFF >/dev/null

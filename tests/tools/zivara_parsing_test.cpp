@@ -1,6 +1,8 @@
 // The zivara command's own parsing: --opts settings and session lines.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "analysis_run.h"
 #include "session_script.h"
 
@@ -11,19 +13,26 @@ TEST(ZivaraParsing, ControlSettings) {
     int line;
     const char* text;
     bool ok;
-    std::vector<std::pair<int32_t, std::string>> settings;
+    std::vector<std::tuple<int32_t, std::string, std::string>> settings;  // number, name, value
   };
   const Row rows[] = {
-      {__LINE__, "141=50", true, {{141, "50"}}},
-      {__LINE__, "176=1,141=20", true, {{176, "1"}, {141, "20"}}},
+      {__LINE__, "141=50", true, {{141, "", "50"}}},
+      {__LINE__, "176=1,141=20", true, {{176, "", "1"}, {141, "", "20"}}},
       // A comma not followed by CONTROL= belongs to the value.
-      {__LINE__, "141=1,5,107=1", true, {{141, "1,5"}, {107, "1"}}},
-      {__LINE__, "141=", true, {{141, ""}}},
-      {__LINE__, "141=a=b", true, {{141, "a=b"}}},
+      {__LINE__, "141=1,5,107=1", true, {{141, "", "1,5"}, {107, "", "1"}}},
+      {__LINE__, "141=", true, {{141, "", ""}}},
+      {__LINE__, "141=a=b", true, {{141, "", "a=b"}}},
+      {__LINE__, "141=1,,107=1", true, {{141, "", "1,"}, {107, "", "1"}}},
+      // Controls by name, mixed with numbers; a name is a letter, then
+      // letters, digits and '-'.
+      {__LINE__, "limits=on,level=1,5", true, {{0, "limits", "on"}, {0, "level", "1,5"}}},
+      {__LINE__, "p-2=3,141=x", true, {{0, "p-2", "3"}, {141, "", "x"}}},
+      {__LINE__, "level=1,2b=3", true, {{0, "level", "1,2b=3"}}},
       {__LINE__, "", false, {}},
-      {__LINE__, "x=1", false, {}},
       {__LINE__, "141", false, {}},
-      {__LINE__, "141=1,,107=1", true, {{141, "1,"}, {107, "1"}}},
+      {__LINE__, "=1", false, {}},
+      {__LINE__, "2b=1", false, {}},
+      {__LINE__, "a b=1", false, {}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.line);
@@ -34,8 +43,8 @@ TEST(ZivaraParsing, ControlSettings) {
       EXPECT_FALSE(error.empty());
       continue;
     }
-    std::vector<std::pair<int32_t, std::string>> got;
-    for (const auto& s : settings) got.emplace_back(s.control, s.value);
+    std::vector<std::tuple<int32_t, std::string, std::string>> got;
+    for (const auto& s : settings) got.emplace_back(s.control, s.name, s.value);
     EXPECT_EQ(got, row.settings);
   }
 }
@@ -52,9 +61,13 @@ TEST(ZivaraParsing, SessionLines) {
       {__LINE__, "  begin  \r", true, {"begin"}},
       {__LINE__, "dialog X select=\"Height > 60\"", true, {"dialog", "X", "select=Height > 60"}},
       {__LINE__, "\"select=Height > 60\" ok", true, {"select=Height > 60", "ok"}},
-      {__LINE__, "expect pane 1 contains \"a \\\"b\\\" \\\\ c\"", true,
+      {__LINE__,
+       "expect pane 1 contains \"a \\\"b\\\" \\\\ c\"",
+       true,
        {"expect", "pane", "1", "contains", "a \"b\" \\ c"}},
-      {__LINE__, "expect pane 1 contains \"x\\r\\ny\"", true,
+      {__LINE__,
+       "expect pane 1 contains \"x\\r\\ny\"",
+       true,
        {"expect", "pane", "1", "contains", "x\r\ny"}},
       {__LINE__, "item 1 # a comment", true, {"item", "1"}},
       {__LINE__, "add-column A a#b", true, {"add-column", "A", "a#b"}},

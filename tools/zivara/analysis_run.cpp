@@ -4,6 +4,7 @@
 #include <charconv>
 #include <ostream>
 
+#include "procedure_catalog.h"
 #include "zivara_exit.h"
 
 namespace zivara {
@@ -17,11 +18,22 @@ std::optional<int32_t> ParseNumber(std::string_view text) {
   return value;
 }
 
-// True when text starts with "NUMBER=".
+// A control name as the dialog templates give it: a letter, then letters,
+// digits and '-'.
+bool IsControlName(std::string_view text) {
+  if (text.empty() || !std::isalpha(static_cast<unsigned char>(text[0]))) return false;
+  for (char c : text) {
+    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-') return false;
+  }
+  return true;
+}
+
+// True when text starts with "NUMBER=" or "NAME=".
 bool StartsWithSetting(std::string_view text) {
-  size_t digits = 0;
-  while (digits < text.size() && std::isdigit(static_cast<unsigned char>(text[digits]))) ++digits;
-  return digits > 0 && digits < text.size() && text[digits] == '=';
+  const size_t eq = text.find('=');
+  if (eq == std::string_view::npos || eq == 0) return false;
+  const std::string_view key = text.substr(0, eq);
+  return IsControlName(key) || ParseNumber(key).has_value();
 }
 
 // Reports the steps that the scripted user could not carry out; true when
@@ -61,13 +73,17 @@ bool ParseSettings(std::string_view text, std::vector<ControlSetting>* settings,
     }
     std::string_view part = text.substr(pos, end == std::string_view::npos ? text.npos : end - pos);
     size_t eq = part.find('=');
-    std::optional<int32_t> control =
-        eq == std::string_view::npos ? std::nullopt : ParseNumber(part.substr(0, eq));
-    if (!control) {
-      if (error) *error = std::string(1, '"').append(part).append("\" is not CONTROL=VALUE");
+    const std::string_view key = eq == std::string_view::npos ? part : part.substr(0, eq);
+    std::optional<int32_t> control = ParseNumber(key);
+    if (eq == std::string_view::npos || (!control && !IsControlName(key))) {
+      if (error) {
+        *error = std::string(1, '"').append(part).append(
+            "\" is not NAME=VALUE or NUMBER=VALUE (zivara describe lists the names)");
+      }
       return false;
     }
-    settings->push_back({*control, std::string(part.substr(eq + 1))});
+    settings->push_back({control.value_or(0), std::string(part.substr(eq + 1)),
+                         control ? std::string() : std::string(key)});
     if (end == std::string_view::npos) break;
     pos = end + 1;
   }
@@ -124,23 +140,62 @@ AnalysisRun RunAnalysis(zvhost::Host& host, const AnalysisRequest& request, std:
     return run;
   }
   host.ShowStalePanes(slot);
+  err << CensoringNote(host, slot);
 
   for (const OptionsRequest& options : request.options) {
+    const zv::ProcedureState& state = *host.State(slot);
+    if (!zvhost::HasItem(family, options.item)) {
+      err << "zivara: " << family.name << " has no pane " << options.item << "; its panes are "
+          << PaneList(family) << "\n";
+      run.exitCode = kExitRefused;
+      return run;
+    }
+    if (!PaneHasOptions(state, options.item)) {
+      std::string with;
+      for (int32_t item : zvhost::ItemsOf(family)) {
+        if (PaneHasOptions(state, item)) with += (with.empty() ? "" : ", ") + std::to_string(item);
+      }
+      err << "zivara: pane " << options.item << " of " << family.name << " has no options"
+          << (state.status != 0 ? " while the analysis has no results" : "") << "; "
+          << (with.empty() ? std::string("no pane has them") : "panes with options: " + with)
+          << "\n";
+      run.exitCode = kExitRefused;
+      return run;
+    }
     std::vector<zvhost::UserStep> optionSteps;
     for (const ControlSetting& s : options.settings) {
-      optionSteps.push_back(zvhost::UserStep::Set(s.control, s.value));
+      optionSteps.push_back(s.name.empty() ? zvhost::UserStep::Set(s.control, s.value)
+                                           : zvhost::UserStep::SetNamed(s.name, s.value));
     }
     optionSteps.push_back(zvhost::UserStep::Ok());
     host.user().Queue(optionSteps);
     const int32_t done = host.Opts(slot, options.item);
     if (ReportProblems(host, err) || done == 0) {
-      if (done == 0) err << "zivara: the options of pane " << options.item << " were not accepted\n";
+      if (done == 0)
+        err << "zivara: the options of pane " << options.item << " were not accepted\n";
       run.exitCode = kExitRefused;
       return run;
     }
   }
   run.exitCode = kExitRan;
   return run;
+}
+
+bool PaneHasOptions(const zv::ProcedureState& state, int32_t item) {
+  // Opts refuses every pane but the summary of an analysis without results.
+  if (state.status != 0 && item != 1) return false;
+  if (zvhost::IsGraphItem(item)) return (state.graphOptionsMask >> (item - 8) & 1) != 0;
+  return item >= 1 && item <= 7 && (state.textOptionsMask >> (item - 1) & 1) != 0;
+}
+
+std::string PaneList(const zvhost::FamilySpec& family) {
+  auto range = [](int32_t first, int32_t last) {
+    return first == last ? std::to_string(first)
+                         : std::to_string(first) + "-" + std::to_string(last);
+  };
+  std::string list = range(family.firstText, family.lastText);
+  if (family.firstGraph != 0) list += ", " + range(family.firstGraph, family.lastGraph);
+  return list;
 }
 
 int WithFaults(const zvhost::Host& host, int exitCode, std::ostream& err) {

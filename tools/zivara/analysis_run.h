@@ -13,9 +13,11 @@
 
 namespace zivara {
 
+// A control set by its number, or by its NAME in the dialog template.
 struct ControlSetting {
   int32_t control = 0;
   std::string value;
+  std::string name;  // empty: by number
 };
 
 struct OptionsRequest {
@@ -43,10 +45,19 @@ AnalysisRun RunAnalysis(zvhost::Host& host, const AnalysisRequest& request, std:
 // select field excluded.
 std::vector<int32_t> VariableFieldControls(const zvhost::FamilySpec& family);
 
-// "141=50,176=1": control settings separated by commas. A comma that is not
-// followed by "NUMBER=" belongs to the value ("141=1,5" sets 141 to "1,5").
+// "141=50,176=1" or "limits=1,level=90": control settings separated by
+// commas, each control given by number or by name. A comma that is not
+// followed by "NUMBER=" or "NAME=" belongs to the value ("141=1,5" sets 141
+// to "1,5").
 bool ParseSettings(std::string_view text, std::vector<ControlSetting>* settings,
                    std::string* error);
+
+// Whether pane `item` of the analysis has an options dialog, by the masks
+// that Begin wrote.
+bool PaneHasOptions(const zv::ProcedureState& state, int32_t item);
+
+// "1-3, 8-10": the panes of a family.
+std::string PaneList(const zvhost::FamilySpec& family);
 
 // Writes the Host's faults to err; kExitFault when there were any, else
 // `exitCode`.

@@ -12,8 +12,7 @@ namespace zivara {
 // Splits a session line into words: blanks separate them, double quotes
 // group (with \" \\ \n \r \t inside), and a '#' that starts a word outside
 // quotes ends the line. False with a reason for an unclosed quote.
-bool SplitSessionLine(const std::string& line, std::vector<std::string>* words,
-                      std::string* error);
+bool SplitSessionLine(const std::string& line, std::vector<std::string>* words, std::string* error);
 
 // Runs the session file. `outFolder` receives saved sheets ("." when empty).
 // Exit status: 0 every check held; 1 a check failed or the Host noted a

@@ -67,6 +67,12 @@ UserStep UserStep::Set(int32_t control, std::string value) {
   return s;
 }
 
+UserStep UserStep::SetNamed(std::string name, std::string value) {
+  UserStep s = Set(0, std::move(value));
+  s.controlName = std::move(name);
+  return s;
+}
+
 UserStep UserStep::Press(int32_t control) {
   UserStep s;
   s.kind = Kind::kPress;
@@ -114,6 +120,24 @@ std::optional<DialogAction> ScriptedUser::Resolve(const UserStep& step, const Wi
     if (problem) *problem = std::move(why);
     return std::nullopt;
   };
+  if (!step.controlName.empty()) {
+    const DialogTemplate* tmpl = HostDialogTemplate(dialog.templateId());
+    std::string names;
+    if (tmpl != nullptr) {
+      for (const ControlTemplate& c : tmpl->controls) {
+        if (c.name == step.controlName) {
+          UserStep numbered = step;
+          numbered.controlName.clear();
+          numbered.control = c.id;
+          return Resolve(numbered, dialog, problem);
+        }
+        if (!c.name.empty()) names += (names.empty() ? "" : ", ") + c.name;
+      }
+    }
+    return fail(
+        "\"" + step.controlName + "\" is not a control of \"" + dialog.Caption() + "\"; " +
+        (names.empty() ? std::string("it has no named controls") : "its names are " + names));
+  }
   const std::string name = "control " + std::to_string(step.control);
   switch (step.kind) {
     case UserStep::Kind::kAction:
@@ -145,9 +169,11 @@ std::optional<DialogAction> ScriptedUser::Resolve(const UserStep& step, const Wi
       }
       return DialogAction{Kind::kSetText, step.control, step.value};
     case ControlKind::kCheckBox: {
-      auto state = ParseWhole(step.value);
+      std::optional<int32_t> state = ParseWhole(step.value);
+      if (step.value == "on" || step.value == "yes") state = 1;
+      if (step.value == "off" || step.value == "no") state = 0;
       if (!state || (*state != 0 && *state != 1)) {
-        return fail(name + " is a check box: give 0 or 1, not \"" + step.value + "\"");
+        return fail(name + " is a check box: give 1 (on) or 0 (off), not \"" + step.value + "\"");
       }
       return DialogAction{Kind::kCheck, step.control, {}, *state};
     }
@@ -158,7 +184,8 @@ std::optional<DialogAction> ScriptedUser::Resolve(const UserStep& step, const Wi
     }
     case ControlKind::kRadio: {
       auto entry = ParseWhole(step.value);
-      if (!entry || *entry < 0) return fail(name + " is a radio group: give an entry number from 0");
+      if (!entry || *entry < 0)
+        return fail(name + " is a radio group: give an entry number from 0");
       std::vector<int32_t> group = RadioGroup(dialog.templateId(), step.control);
       int32_t target = 0;
       if (static_cast<size_t>(*entry) < group.size()) {

@@ -3,6 +3,7 @@
 // platform/win/README.md. A malformed line is reported on stderr as
 // "<file>:<line>: <problem>" and skipped; everything else still loads.
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -113,11 +114,21 @@ class LineReader {
       }
       if (++pos_ == line_.size()) break;
       switch (line_[pos_]) {
-        case '"': text->push_back('"'); break;
-        case '\\': text->push_back('\\'); break;
-        case 'r': text->push_back('\r'); break;
-        case 'n': text->push_back('\n'); break;
-        case 't': text->push_back('\t'); break;
+        case '"':
+          text->push_back('"');
+          break;
+        case '\\':
+          text->push_back('\\');
+          break;
+        case 'r':
+          text->push_back('\r');
+          break;
+        case 'n':
+          text->push_back('\n');
+          break;
+        case 't':
+          text->push_back('\t');
+          break;
         default:
           *error = std::string("unknown escape \\") + line_[pos_];
           return false;
@@ -155,8 +166,8 @@ std::vector<fs::path> FilesWithExtension(const fs::path& folder, std::string_vie
   std::vector<fs::path> files;
   std::error_code ec;
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-    if (it->is_regular_file() && zvwin_detail::AsciiLower(it->path().extension().string()) ==
-                                     extension) {
+    if (it->is_regular_file() &&
+        zvwin_detail::AsciiLower(it->path().extension().string()) == extension) {
       files.push_back(it->path());
     }
   }
@@ -181,8 +192,9 @@ void LoadStrings(const fs::path& file, ResourceModule& module,
     auto [it, added] = module.strings.emplace(static_cast<uint32_t>(id), text);
     std::string where = file.filename().string() + ":" + std::to_string(number);
     if (!added) {
-      Report(file, number, "string " + std::to_string(id) + " is already defined at " +
-                               origin[static_cast<uint32_t>(id)]);
+      Report(file, number,
+             "string " + std::to_string(id) + " is already defined at " +
+                 origin[static_cast<uint32_t>(id)]);
       continue;
     }
     origin[static_cast<uint32_t>(id)] = where;
@@ -191,11 +203,16 @@ void LoadStrings(const fs::path& file, ResourceModule& module,
 
 bool ParseKind(std::string_view word, ControlKind* kind) {
   static constexpr std::pair<std::string_view, ControlKind> kKinds[] = {
-      {"STATIC", ControlKind::kStatic},     {"EDIT", ControlKind::kEdit},
-      {"MULTIEDIT", ControlKind::kMultiLineEdit}, {"CHECKBOX", ControlKind::kCheckBox},
-      {"RADIO", ControlKind::kRadio},       {"LISTBOX", ControlKind::kListBox},
-      {"COMBOBOX", ControlKind::kComboBox}, {"BUTTON", ControlKind::kButton},
-      {"IMAGEBUTTON", ControlKind::kImageButton}, {"GROUPBOX", ControlKind::kGroupBox},
+      {"STATIC", ControlKind::kStatic},
+      {"EDIT", ControlKind::kEdit},
+      {"MULTIEDIT", ControlKind::kMultiLineEdit},
+      {"CHECKBOX", ControlKind::kCheckBox},
+      {"RADIO", ControlKind::kRadio},
+      {"LISTBOX", ControlKind::kListBox},
+      {"COMBOBOX", ControlKind::kComboBox},
+      {"BUTTON", ControlKind::kButton},
+      {"IMAGEBUTTON", ControlKind::kImageButton},
+      {"GROUPBOX", ControlKind::kGroupBox},
   };
   for (const auto& [name, value] : kKinds) {
     if (word == name) {
@@ -206,7 +223,7 @@ bool ParseKind(std::string_view word, ControlKind* kind) {
   return false;
 }
 
-// `CONTROL <id> <KIND> "<text>" [GROUP] [DISABLED]`
+// `CONTROL <id> <KIND> "<text>" [GROUP] [DISABLED] [NAME <word>]`
 bool ParseControl(std::string_view line, ControlTemplate* control, std::string* error) {
   LineReader reader(line);
   if (reader.Word() != "CONTROL") {
@@ -228,6 +245,17 @@ bool ParseControl(std::string_view line, ControlTemplate* control, std::string* 
       control->groupStart = true;
     } else if (flag == "DISABLED") {
       control->disabled = true;
+    } else if (flag == "NAME") {
+      std::string_view word = reader.Word();
+      const bool plain = !word.empty() && std::isalpha(static_cast<unsigned char>(word[0])) &&
+                         std::all_of(word.begin(), word.end(), [](char c) {
+                           return std::isalnum(static_cast<unsigned char>(c)) || c == '-';
+                         });
+      if (!plain) {
+        *error = "NAME takes a word of letters, digits and '-', starting with a letter";
+        return false;
+      }
+      control->name = std::string(word);
     } else {
       *error = "unknown flag \"" + std::string(flag) + "\"";
       return false;
@@ -249,13 +277,13 @@ void LoadDialog(const fs::path& file, ResourceModule& module) {
     int64_t id = 0;
     std::string error;
     if (reader.Word() != "DIALOG") error = "the first line must be DIALOG <id> \"<caption>\"";
-    if (error.empty() && reader.Number(0, &id, &error) &&
-        reader.Quoted(&dialog.caption, &error) && !reader.AtEnd()) {
+    if (error.empty() && reader.Number(0, &id, &error) && reader.Quoted(&dialog.caption, &error) &&
+        !reader.AtEnd()) {
       error = "unexpected text after the caption";
     }
     if (error.empty() && file.stem().string() != std::to_string(id)) {
-      error = "dialog " + std::to_string(id) + " must be in the file " + std::to_string(id) +
-              ".dlg";
+      error =
+          "dialog " + std::to_string(id) + " must be in the file " + std::to_string(id) + ".dlg";
     }
     if (error.empty() && module.dialogs.count(static_cast<uint32_t>(id)) != 0) {
       error = "dialog " + std::to_string(id) + " is already defined";
@@ -279,6 +307,14 @@ void LoadDialog(const fs::path& file, ResourceModule& module) {
                                  [&](const ControlTemplate& c) { return c.id == control.id; });
     if (duplicate) {
       Report(file, number, "control " + std::to_string(control.id) + " is already defined");
+      continue;
+    }
+    const bool nameTaken =
+        !control.name.empty() &&
+        std::any_of(dialog.controls.begin(), dialog.controls.end(),
+                    [&](const ControlTemplate& c) { return c.name == control.name; });
+    if (nameTaken) {
+      Report(file, number, "the name " + control.name + " is already taken");
       continue;
     }
     dialog.controls.push_back(std::move(control));
@@ -315,7 +351,8 @@ void LoadImage(const fs::path& file, ResourceModule& module) {
   if (!token.empty()) tokens.push_back(std::move(token));
 
   auto dimension = [](const std::string& text) {
-    if (text.empty() || text.size() > 4 || text.find_first_not_of("0123456789") != std::string::npos)
+    if (text.empty() || text.size() > 4 ||
+        text.find_first_not_of("0123456789") != std::string::npos)
       return 0;
     return std::stoi(text);
   };
@@ -330,8 +367,9 @@ void LoadImage(const fs::path& file, ResourceModule& module) {
   image.height = dimension(tokens[2]);
   size_t count = static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
   if (tokens.size() - 3 != count) {
-    Report(file, 1, "expected " + std::to_string(count) + " pixels, found " +
-                        std::to_string(tokens.size() - 3));
+    Report(file, 1,
+           "expected " + std::to_string(count) + " pixels, found " +
+               std::to_string(tokens.size() - 3));
     return;
   }
   for (size_t i = 3; i < tokens.size(); ++i) {
@@ -355,7 +393,9 @@ fs::path ResourceFolder() {
 #endif
 }
 
-void RecordMissing(uint32_t id) { State().missingStrings.push_back(id); }
+void RecordMissing(uint32_t id) {
+  State().missingStrings.push_back(id);
+}
 
 }  // namespace
 
@@ -431,9 +471,13 @@ int32_t WinLoadString(ModuleRef module, uint32_t id, char* buffer, int32_t size)
   return static_cast<int32_t>(length);
 }
 
-const std::vector<uint32_t>& WinMissingStrings() { return State().missingStrings; }
+const std::vector<uint32_t>& WinMissingStrings() {
+  return State().missingStrings;
+}
 
-void WinClearMissingStrings() { State().missingStrings.clear(); }
+void WinClearMissingStrings() {
+  State().missingStrings.clear();
+}
 
 uint32_t WinLoadImage(ModuleRef module, const char* name, bool systemColors) {
   ResourceModule* m = Find(module);

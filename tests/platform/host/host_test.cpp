@@ -92,17 +92,41 @@ TEST_F(HostTest, EntryListGoesIntoTheBindings) {
   const Row rows[] = {
       {__LINE__, "DotDiagram", "Dot - W\0W\0H > 60\0"s, 1, 0, {{0, "W"}}, "H > 60", "Dot - W"},
       // A line list: one entry per line, empty lines skipped, no select.
-      {__LINE__, "Life1", "Life\0Years\0Label\0A\r\nB\r\n\r\nC\r\n\0"s, 2, 3,
-       {{0, "Years"}, {1, "Label"}, {64, "A"}, {65, "B"}, {66, "C"}}, "", "Life"},
-      {__LINE__, "BubbleChart", "Bubble\0Y\0X\0S\0C\0Sex = 1\0"s, 0, 4,
-       {{64, "Y"}, {65, "X"}, {66, "S"}, {67, "C"}}, "Sex = 1", "Bubble"},
+      {__LINE__,
+       "Life1",
+       "Life\0Years\0Label\0A\r\nB\r\n\r\nC\r\n\0"s,
+       2,
+       3,
+       {{0, "Years"}, {1, "Label"}, {64, "A"}, {65, "B"}, {66, "C"}},
+       "",
+       "Life"},
+      {__LINE__,
+       "BubbleChart",
+       "Bubble\0Y\0X\0S\0C\0Sex = 1\0"s,
+       0,
+       4,
+       {{64, "Y"}, {65, "X"}, {66, "S"}, {67, "C"}},
+       "Sex = 1",
+       "Bubble"},
       // Fewer texts than the first list holds: the rest stay empty.
       {__LINE__, "Surfplot", "Surface\0X*Y\0"s, 10, 0, {{0, "X*Y"}}, "", "Surface"},
       // Custom: the shorter argument lists.
-      {__LINE__, "Custom", "Custom\0Title\0Y axis\0X axis\0"s, 3, 0,
-       {{0, "Title"}, {1, "Y axis"}, {2, "X axis"}}, "", "Custom"},
+      {__LINE__,
+       "Custom",
+       "Custom\0Title\0Y axis\0X axis\0"s,
+       3,
+       0,
+       {{0, "Title"}, {1, "Y axis"}, {2, "X axis"}},
+       "",
+       "Custom"},
       // An empty optional text is no entry.
-      {__LINE__, "BubbleChart", "B\0Y\0X\0S\0\0\0"s, 0, 4, {{64, "Y"}, {65, "X"}, {66, "S"}}, "",
+      {__LINE__,
+       "BubbleChart",
+       "B\0Y\0X\0S\0\0\0"s,
+       0,
+       4,
+       {{64, "Y"}, {65, "X"}, {66, "S"}},
+       "",
        "B"},
   };
   for (const Row& row : rows) {
@@ -147,8 +171,7 @@ TEST_F(HostTest, StalePanesAreRebuiltAfterTheCallThatAskedForThem) {
   host->user().Queue({UserStep::Ok()});
   ASSERT_EQ(host->Opts(slot, 8), 1);
   // RefreshPanes came in the middle of Opts; the panes were built after it.
-  EXPECT_EQ(Log(),
-            "Opts 8 begins\nOpts 8 ends\nItem 1 with record\nItem 8 with record\n");
+  EXPECT_EQ(Log(), "Opts 8 begins\nOpts 8 ends\nItem 1 with record\nItem 8 with record\n");
   EXPECT_EQ(host->refreshCalls(), 1);
   EXPECT_EQ(host->State(slot)->paneStale[0], 0);
   EXPECT_EQ(host->State(slot)->paneStale[7], 0);
@@ -194,9 +217,10 @@ TEST_F(HostTest, ALockLeftBehindIsAFault) {
 TEST_F(HostTest, ScriptedUserSetsControlsByTheirKind) {
   int32_t slot = Open("DotDiagram", "Weight");
   ASSERT_EQ(host->Begin(slot), 1);
-  // Entry 1 of the group that 176 opens is 178 in the template's order.
-  host->user().Queue(
-      {UserStep::Set(176, "1"), UserStep::Set(107, "1"), UserStep::Set(141, "12.5"), UserStep::Ok()});
+  // Entry 1 of the group that 176 opens is 178 in the template's order; the
+  // group and the check box are named in the template.
+  host->user().Queue({UserStep::SetNamed("method", "1"), UserStep::SetNamed("counts", "on"),
+                      UserStep::Set(141, "12.5"), UserStep::Ok()});
   ASSERT_EQ(host->Opts(slot, 8), 1);
   EXPECT_TRUE(host->user().problems().empty());
   EXPECT_EQ(Fake<int32_t (*)()>("FakeRadio")(), 2);
@@ -209,11 +233,21 @@ TEST_F(HostTest, ScriptedUserSetsControlsByTheirKind) {
     std::string problem;
   };
   const Row rows[] = {
-      {__LINE__, {UserStep::Set(141, "3"), UserStep::Ok()}, "dialog 60002: control 141 is disabled"},
-      {__LINE__, {UserStep::Set(999, "1"), UserStep::Ok()}, "dialog 60002: there is no control 999"},
-      {__LINE__, {UserStep::Set(107, "2"), UserStep::Ok()},
-       "dialog 60002: control 107 is a check box: give 0 or 1, not \"2\""},
-      {__LINE__, {UserStep::Set(176, "3"), UserStep::Ok()},
+      {__LINE__,
+       {UserStep::Set(141, "3"), UserStep::Ok()},
+       "dialog 60002: control 141 is disabled"},
+      {__LINE__,
+       {UserStep::Set(999, "1"), UserStep::Ok()},
+       "dialog 60002: there is no control 999"},
+      {__LINE__,
+       {UserStep::Set(107, "2"), UserStep::Ok()},
+       "dialog 60002: control 107 is a check box: give 1 (on) or 0 (off), not \"2\""},
+      {__LINE__,
+       {UserStep::SetNamed("nope", "1"), UserStep::Ok()},
+       "dialog 60002: \"nope\" is not a control of \"Test Options\"; its names are method, "
+       "counts, width"},
+      {__LINE__,
+       {UserStep::Set(176, "3"), UserStep::Ok()},
        "dialog 60002: control 176 opens a group of 3 radio buttons; entry 3 is not among them"},
   };
   for (const Row& row : rows) {
@@ -233,8 +267,8 @@ TEST_F(HostTest, VariableDialogRefusalsExpressionsAndLineLists) {
   EXPECT_EQ(host->Dialog(dot, 0, false), 0);
   EXPECT_EQ(messages, std::vector<std::string>{"Field 1 is required."});
 
-  host->user().Queue({UserStep::Ok(), UserStep::Set(116, "Weight"), UserStep::Set(122, "A;B"),
-                      UserStep::Ok()});
+  host->user().Queue(
+      {UserStep::Ok(), UserStep::Set(116, "Weight"), UserStep::Set(122, "A;B"), UserStep::Ok()});
   EXPECT_EQ(host->Dialog(dot, 0, false), 1);
   EXPECT_STREQ(Fake<const char* (*)()>("FakeLines122")(), "A\r\nB\r\n");
 

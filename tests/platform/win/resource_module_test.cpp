@@ -35,7 +35,11 @@ TEST(ResourceModule, StringTableWithEscapesAndReportedFaults) {
   const std::string said = LoadCapturing(&module);
   ASSERT_NE(module, 0u);
 
-  struct Row { int line; uint32_t id; std::optional<std::string> text; };
+  struct Row {
+    int line;
+    uint32_t id;
+    std::optional<std::string> text;
+  };
   const Row rows[] = {
       {__LINE__, 1001, "Plain text."},
       {__LINE__, 1002, "Tab\there, quote \" and backslash \\ end\r\n"},
@@ -104,15 +108,18 @@ TEST(ResourceModule, DialogTemplatesAndTheirFaults) {
                "# variable dialog\n"
                "DIALOG 848 \"Life \\\"2\\\"\"\n"
                "CONTROL 101 EDIT \"start\"\n"
-               "CONTROL 201 RADIO \"Rank\" GROUP\n"
+               "CONTROL 201 RADIO \"Rank\" GROUP NAME method\n"
                "CONTROL 202 RADIO \"Likelihood\"\n"
-               "CONTROL 301 CHECKBOX \"Sort\" GROUP DISABLED\n"
+               "CONTROL 301 CHECKBOX \"Sort\" GROUP DISABLED NAME sort-by\n"
                "CONTROL -1 STATIC \"Label\"\n"
                "CONTROL -1 STATIC \"Label 2\"\n"
                "CONTROL 101 BUTTON \"duplicate\"\n"
                "CONTROL 102 SLIDER \"unknown kind\"\n"
                "CONTROL 103 BUTTON \"x\" HIDDEN\n"
                "BUTTON 104\n"
+               "CONTROL 105 EDIT \"\" NAME method\n"
+               "CONTROL 106 EDIT \"\" NAME 2nd\n"
+               "CONTROL 107 EDIT \"\" NAME\n"
                "CONTROL 1 BUTTON \"OK\"\n");
   folder.Write("dialogs/900.dlg", "DIALOG 901 \"wrong file\"\nCONTROL 1 BUTTON \"OK\"\n");
   folder.Write("dialogs/902.dlg", "CONTROL 1 BUTTON \"OK\"\n");
@@ -123,15 +130,21 @@ TEST(ResourceModule, DialogTemplatesAndTheirFaults) {
   const DialogTemplate* dialog = WinFindDialogTemplate(module, 848);
   ASSERT_NE(dialog, nullptr);
   EXPECT_EQ(dialog->caption, "Life \"2\"");
-  struct Row { int32_t id; ControlKind kind; const char* text; bool group, disabled; };
+  struct Row {
+    int32_t id;
+    ControlKind kind;
+    const char* text;
+    bool group, disabled;
+    const char* name;
+  };
   const Row expected[] = {
-      {101, ControlKind::kEdit, "start", false, false},
-      {201, ControlKind::kRadio, "Rank", true, false},
-      {202, ControlKind::kRadio, "Likelihood", false, false},
-      {301, ControlKind::kCheckBox, "Sort", true, true},
-      {-1, ControlKind::kStatic, "Label", false, false},
-      {-1, ControlKind::kStatic, "Label 2", false, false},
-      {1, ControlKind::kButton, "OK", false, false},
+      {101, ControlKind::kEdit, "start", false, false, ""},
+      {201, ControlKind::kRadio, "Rank", true, false, "method"},
+      {202, ControlKind::kRadio, "Likelihood", false, false, ""},
+      {301, ControlKind::kCheckBox, "Sort", true, true, "sort-by"},
+      {-1, ControlKind::kStatic, "Label", false, false, ""},
+      {-1, ControlKind::kStatic, "Label 2", false, false, ""},
+      {1, ControlKind::kButton, "OK", false, false, ""},
   };
   ASSERT_EQ(dialog->controls.size(), std::size(expected));
   for (size_t i = 0; i < std::size(expected); ++i) {
@@ -142,6 +155,7 @@ TEST(ResourceModule, DialogTemplatesAndTheirFaults) {
     EXPECT_EQ(c.text, expected[i].text);
     EXPECT_EQ(c.groupStart, expected[i].group);
     EXPECT_EQ(c.disabled, expected[i].disabled);
+    EXPECT_EQ(c.name, expected[i].name);
   }
   EXPECT_EQ(WinFindDialogTemplate(module, 900), nullptr);
   EXPECT_EQ(WinFindDialogTemplate(module, 901), nullptr);
@@ -152,6 +166,9 @@ TEST(ResourceModule, DialogTemplatesAndTheirFaults) {
   EXPECT_THAT(said, HasSubstr(file + ":10: unknown control kind \"SLIDER\""));
   EXPECT_THAT(said, HasSubstr(file + ":11: unknown flag \"HIDDEN\""));
   EXPECT_THAT(said, HasSubstr(file + ":12: expected CONTROL"));
+  EXPECT_THAT(said, HasSubstr(file + ":13: the name method is already taken"));
+  EXPECT_THAT(said, HasSubstr(file + ":14: NAME takes a word"));
+  EXPECT_THAT(said, HasSubstr(file + ":15: NAME takes a word"));
   EXPECT_THAT(said, HasSubstr("900.dlg:1: dialog 901 must be in the file 901.dlg"));
   EXPECT_THAT(said, HasSubstr("902.dlg:1: the first line must be DIALOG"));
   WinFreeLibrary(module);

@@ -26,11 +26,15 @@ struct UserStep {
   };
   Kind kind = Kind::kSet;
   int32_t control = 0;
+  // A kSet step may name its control instead, by the NAME of the dialog
+  // template; the name is looked up in the dialog that asks for the step.
+  std::string controlName;
   std::string value;
   int32_t entry = 0;
   DialogAction action{DialogAction::Kind::kPress};
 
   static UserStep Set(int32_t control, std::string value);
+  static UserStep SetNamed(std::string name, std::string value);
   static UserStep Press(int32_t control);
   static UserStep Ok() { return Press(kIdOk); }
   static UserStep DoubleClick(int32_t control, int32_t entry);

@@ -165,6 +165,7 @@ struct ControlTemplate {
   std::string text = {};
   bool groupStart = false;  // starts a radio group, which runs to the next control with it set
   bool disabled = false;    // starts disabled
+  std::string name = {};    // the word a user may call it by (NAME flag); empty when none
 };
 struct DialogTemplate {
   uint32_t id;
