@@ -8,7 +8,7 @@
 
 #include "analysis_run.h"
 #include "demo_command.h"
-#include "frame/families.h"
+#include "protocol/families.h"
 #include "host_start.h"
 #include "pane_output.h"
 #include "zivara_exit.h"

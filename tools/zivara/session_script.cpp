@@ -307,8 +307,7 @@ void Session::Call(const std::vector<std::string>& w) {
     if (!LoadSheet(Path(w[1], false), why, codes)) {
       std::string reason = why.str();
       if (StartsWith(reason, "zivara: ")) reason.erase(0, 8);
-      while (!reason.empty() && reason.back() == '
-') reason.pop_back();
+      while (!reason.empty() && reason.back() == '\n') reason.pop_back();
       throw Failed{reason};
     }
   } else if (command == "save") {
