@@ -1,5 +1,7 @@
 #include "charts/dot_diagram.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <vector>
 
@@ -8,6 +10,7 @@
 #include "frame/module_state.h"
 #include "frame/string_ids.h"
 #include "protocol/families.h"
+#include "services/axes.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
 #include "services/report_pane.h"
@@ -53,6 +56,27 @@ const VariableDialogLayout kDialog{
     .expressionDialog = true,
 };
 
+// Mean and standard deviation of the non-missing values, each taken times
+// `scale` for the sums and divided by it after; `sum` is the plain sum
+// when scale is 1, and is taken again otherwise.
+void MeanAndDeviation(const double* values, int32_t n, double count, double sum, double scale,
+                      double* mean, double* deviation) {
+  if (scale != 1.0) {
+    sum = 0.0;
+    for (int32_t row = 0; row < n; ++row) {
+      if (values[row] != kMissingValue) sum += values[row] * scale;
+    }
+  }
+  const double m = sum / count;
+  double squares = 0.0;
+  for (int32_t row = 0; row < n; ++row) {
+    const double v = values[row];
+    if (v != kMissingValue) squares += (v * scale - m) * (v * scale - m);
+  }
+  *mean = m / scale;
+  *deviation = GuardedSqrt(squares / (count - 1.0)) / scale;
+}
+
 }  // namespace
 
 void DotDiagramPrepare(int32_t slot) {
@@ -79,6 +103,7 @@ void DotDiagramPrepare(int32_t slot) {
   double count = 0.0;
   double runs = 0.0;
   double sum = 0.0;
+  double largest = 0.0;
   double previous = kMissingValue;
   for (int32_t i = 0; i < n; ++i) {
     const double v = values[static_cast<size_t>(order[i])];
@@ -87,21 +112,28 @@ void DotDiagramPrepare(int32_t slot) {
     previous = v;
     count += 1.0;
     sum += v;
+    largest = std::max(largest, std::fabs(v));
   }
   if (count < 2.0) {
     state.status = 1042;
     return;
   }
-  const double mean = sum / count;
-  double squares = 0.0;
-  for (int32_t row = 0; row < n; ++row) {
-    const double v = values[static_cast<size_t>(row)];
-    if (v != kMissingValue) squares += (v - mean) * (v - mean);
+  double mean = 0.0;
+  double deviation = 0.0;
+  MeanAndDeviation(values.get(), n, count, sum, 1.0, &mean, &deviation);
+  if (!std::isfinite(mean) || !std::isfinite(deviation)) {
+    // Sums past the double range: again over the values scaled by a power
+    // of two, which is exact, so that a mean and deviation that are within
+    // the range still come out.
+    MeanAndDeviation(values.get(), n, count, 0.0, std::ldexp(1.0, -std::ilogb(largest)), &mean,
+                     &deviation);
   }
   Set(state, kDotCount, count);
   Set(state, kDotDistinct, runs);
-  Set(state, kDotMean, mean);
-  Set(state, kDotDeviation, GuardedSqrt(squares / (count - 1.0)));
+  Set(state, kDotMean, std::isfinite(mean) ? mean : kMissingValue);
+  Set(state, kDotDeviation, std::isfinite(deviation) ? deviation : kMissingValue);
+  // Values so far apart that no axis spans them cannot be drawn.
+  if (!AxisRangeFits(data.minimum, data.maximum)) state.status = 4;
 }
 
 int32_t DotDiagramSummaryPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t) {

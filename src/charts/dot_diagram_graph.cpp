@@ -79,8 +79,9 @@ int32_t StackDots(const double* values, const int32_t* order, int32_t n, int32_t
     ++height;
     tallest = std::max(tallest, height);
     if (points) {
+      // Halves first: the sum of two edges near the double range overflows.
       points->insert(points->end(),
-                     {(lower + upper) * 0.5, height + 0.5, static_cast<double>(row)});
+                     {lower * 0.5 + upper * 0.5, height + 0.5, static_cast<double>(row)});
     }
   }
   return tallest;

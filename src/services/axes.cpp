@@ -43,10 +43,16 @@ double SnapToWhole(double c) {
 }
 
 // The power of ten that takes the rounded tick `a` back to the given limit
-// `b`; 1 when they agree or no power can be had.
+// `b`; 1 when they agree or no power can be had. Near the ends of the double
+// range a / b or its inverse overflows, and the difference of the logarithms
+// gives the power instead.
 double MagnitudeOf(double a, double b) {
   if (std::fabs(a - b) <= kAgree) return 1.0;
-  const double m = std::fabs(std::pow(10.0, std::ceil(std::log10(1.0 / (a / b)))));
+  double inverse = 1.0 / (a / b);
+  if ((!std::isfinite(inverse) || inverse == 0.0) && (a > 0.0) == (b > 0.0)) {
+    inverse = std::pow(10.0, std::log10(std::fabs(b)) - std::log10(std::fabs(a)));
+  }
+  const double m = std::fabs(std::pow(10.0, std::ceil(std::log10(inverse))));
   return std::isfinite(m) && m > 0.0 ? m : 1.0;
 }
 
@@ -177,7 +183,22 @@ int32_t NiceScale(double low, double high, double* outLow, double* outHigh, doub
   *outLow = rounded[0] * m;
   *outHigh = rounded[n] * m;
   *outFactor = IsSilentFactor(m) ? 1.0 : m;
+  if (!(*outLow < *outHigh && std::isfinite(*outHigh - *outLow))) {
+    // Near the ends of the double range the neat limits (or the span between
+    // them) overflow: one interval over the given limits is all there is.
+    *outLow = givenLow;
+    *outHigh = givenHigh;
+    *outFactor = 1.0;
+    return 1;
+  }
   return n;
+}
+
+bool AxisRangeFits(double low, double high) {
+  if (!std::isfinite(low) || !std::isfinite(high)) return false;
+  double outLow, outHigh, factor;
+  NiceScale(low, high, &outLow, &outHigh, &factor);
+  return outLow < outHigh && std::isfinite(outHigh - outLow);
 }
 
 void SetAxisAuto(int32_t axis, double low, double high, char type) {
@@ -280,7 +301,8 @@ int32_t PickMinorTicks(double step) {
   double m = step * std::pow(10.0, std::ceil(std::log10(1.0 / step)));
   if (m < 7.0) m *= 10.0;
   const double whole = std::floor(m + 0.5);
-  if (std::fabs(m - whole) > 1e-9 * whole) return 1;
+  // A step too small for its reciprocal leaves no digits.
+  if (!(whole >= 1.0 && whole <= 100.0) || std::fabs(m - whole) > 1e-9 * whole) return 1;
   const long digits = static_cast<long>(whole);
   for (int divisions : {7, 4, 3, 5, 2}) {
     if (digits % divisions == 0) return divisions;

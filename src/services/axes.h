@@ -15,8 +15,16 @@ inline constexpr int32_t kAxisNumberWidth = 16;
 // Neat limits for [low, high]: outLow and outHigh are the first and last
 // tick, outFactor the common factor of the labels (1 for none). Returns the
 // number of intervals. Equal limits are widened by a tenth, and two missing
-// limits stand for 0 and 1.
+// limits stand for 0 and 1. Where the neat limits would overflow, the result
+// is one interval over the given limits, and AxisRangeFits says whether even
+// those can be drawn.
 int32_t NiceScale(double low, double high, double* outLow, double* outHigh, double* outFactor);
+
+// Whether a graph can show [low, high]: both finite, and the neat limits
+// around them and the span between those within the double range. A family
+// refuses data outside it with a status rather than draw on an axis that
+// does not hold the values.
+bool AxisRangeFits(double low, double high);
 
 // Scales `axis` to cover the data [low, high] unless the axis is already set
 // in this graph (the first call wins) or the user fixed it. `type` is the

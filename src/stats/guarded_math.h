@@ -1,10 +1,8 @@
 // The elementary functions that every numeric path of the module goes
-// through. An argument outside a function's domain raises SilentAbort instead
-// of producing a NaN or an infinity that would print as garbage. The guards
-// are comparisons, and a NaN fails none of them: a NaN argument gives a NaN
-// result, and an infinite one (or a power that overflows) an infinite
-// result. Callers keep NaN out themselves; the start of the beta quantile
-// even relies on a NaN passing through for p below 1.1e-16. Nothing in the
+// through. An argument outside a function's domain, a NaN argument included,
+// raises SilentAbort instead of producing a NaN that would print as garbage.
+// An infinite argument is not refused: it gives an infinite result (or 0 for
+// the exponential of -inf), as does a power that overflows. Nothing in the
 // module catches SilentAbort, so the host's dispatch ends the operation
 // silently.
 #pragma once
@@ -15,15 +13,16 @@ namespace zv {
 // text on purpose: the user sees no message.
 struct SilentAbort {};
 
-// x to the power y; raises for x < 0 with a y that is not a whole number.
+// x to the power y; raises for x < 0 with a y that is not a whole number,
+// and for a NaN x or y.
 double GuardedPow(double x, double y);
-// Raises for x < 0.
+// Raises for x < 0 and NaN.
 double GuardedSqrt(double x);
-// Exactly 0.0 for x < -200; raises for x > 200.
+// Exactly 0.0 for x < -200; raises for x > 200 and NaN.
 double GuardedExp(double x);
-// Natural logarithm; raises for x <= 0.
+// Natural logarithm; raises for x <= 0 and NaN.
 double GuardedLog(double x);
-// Common logarithm; raises for x <= 0.
+// Common logarithm; raises for x <= 0 and NaN.
 double GuardedLog10(double x);
 
 }  // namespace zv

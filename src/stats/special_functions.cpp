@@ -406,13 +406,19 @@ double BetaQuantile(double p, double a, double b) {
   const double l = (y * y - 3) / 6;
   const double bi = 1 / std::max(2 * b - 1, 0.5);
   const double ai = 1 / std::max(2 * a - 1, 0.5);
+  // Below p = 1.1e-16, 1 - p rounds to 1 and y is the normal quantile's
+  // stand-in for infinity, whose square overflows. The first term of w is
+  // then +inf and the second -inf times (bi - ai): with bi < ai, w is +inf
+  // and its exponential overflows, so SilentAbort; otherwise w has no value
+  // and neither has the start, and the result is the floor.
+  if (!std::isfinite(l)) {
+    if (bi < ai) throw SilentAbort{};
+    return kBetaQuantileFloor;
+  }
   const double h = 2 / (ai + bi);
   const double w = y * GuardedSqrt(h + l) / h - (bi - ai) * (l + 5.0 / 6 - 2 / (3 * h));
   const double e = GuardedExp(2 * w);
   const double x0 = a / (b * e + a);
-  // A start that is not a number (p below 1.1e-16, where 1 - p rounds to 1)
-  // ends at the floor.
-  if (std::isnan(x0)) return kBetaQuantileFloor;
   const double plain_e = std::exp(2 * w);
   const double x1 = a == b ? a / ((1 + b) * plain_e + a) : (1 + a) / ((1 + b) * plain_e + a + 1);
   const double f0 = p - IncompleteBeta(x0, a, b);

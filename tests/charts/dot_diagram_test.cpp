@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
+#include <vector>
 
 #include "frame/messages.h"
 #include "frame/module_state.h"
@@ -76,6 +78,49 @@ TEST_F(DotDiagramTest, ClassesTakeTheLowerEdgeInTheFirstClassAndInnerEdgesBelow)
   zv::Set(state, zv::kDotClasses, 2);
   Pane(8);
   EXPECT_EQ(Dots(), (std::vector<double>{2.5, 0.5, 0, 2.5, 1.5, 1, 7.5, 0.5, 2, 7.5, 1.5, 3}));
+}
+
+// Values near the ends of the double range; means and deviations worked
+// exactly in rationals. Where no axis spans the values the diagram is
+// refused with its reason; otherwise every dot stands on a finite axis.
+TEST_F(DotDiagramTest, ValuesNearTheDoubleRange) {
+  struct Row {
+    int line;
+    const char* csv;
+    int32_t classes;
+    int32_t status;
+    double mean, deviation;
+  };
+  const Row kRows[] = {
+      {__LINE__, "X\n1e308\n-1e308\n1.797e308\n2\n", 0, 4, 4.4925e307, 1.21407e308},
+      {__LINE__, "X\n1.5e308\n1.6e308\n1.55e308\n", 0, 0, 1.55e308, 5e306},
+      {__LINE__, "X\n1.5e308\n1.6e308\n1.55e308\n", 7, 0, 1.55e308, 5e306},
+      {__LINE__, "X\n1.7e308\n1.79e308\n", 0, 0, 1.745e308, 6.36396e306},
+      {__LINE__, "X\n-1e300\n1e300\n", 3, 0, 0.0, 1.41421e300},
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    zv::ProcedureState& state = Run(r.csv, "X", "");
+    EXPECT_EQ(state.status, r.status);
+    EXPECT_NEAR(zv::Get(state, zv::kDotMean), r.mean, 1e-5 * std::fabs(r.mean));
+    EXPECT_NEAR(zv::Get(state, zv::kDotDeviation), r.deviation, 1e-5 * r.deviation);
+    const std::string summary = Pane(1);
+    if (r.status != 0) {
+      EXPECT_EQ(summary.substr(summary.rfind("\r\n\r\n") + 4), zv::LoadText(3903) + "\r\n");
+      continue;
+    }
+    zv::Set(state, zv::kDotClasses, r.classes);
+    Pane(8);
+    const std::vector<double> dots = Dots();
+    ASSERT_EQ(dots.size(), 3 * zv::Get(state, zv::kDotCount));
+    const double low = paneRecord->scale[0].low;
+    const double high = low + paneRecord->scale[0].span;
+    ASSERT_TRUE(std::isfinite(high));
+    for (size_t i = 0; i < dots.size(); i += 3) {
+      EXPECT_GE(dots[i], low);
+      EXPECT_LE(dots[i], high);
+    }
+  }
 }
 
 TEST_F(DotDiagramTest, OptionsDialogRangeAndRedrawWithoutRecomputing) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -322,6 +324,45 @@ TEST_F(AxesTest, FrameWordsCountIntervalsAndMarks) {
   EXPECT_EQ(paneRecord->axes[1].minorTicks, 4);
 }
 
+// Out to the ends of the double range: a range that fits gets finite neat
+// limits that hold it; one that does not is refused by AxisRangeFits (once
+// 1e308 and 1.797e308 gave the limits 0.1 and 0).
+TEST(NiceScale, RangesNearTheEndsOfTheDoubleRange) {
+  constexpr double kMax = std::numeric_limits<double>::max();
+  constexpr double kInf = std::numeric_limits<double>::infinity();
+  struct Row {
+    int line;
+    double low, high;
+    bool fits;
+  };
+  constexpr Row kRows[] = {
+      {__LINE__, 0, 10, true},
+      {__LINE__, 1.5e308, 1.6e308, true},
+      {__LINE__, 1.7e308, 1.79e308, true},  // the neat top 1.8e308 overflows
+      {__LINE__, -1.79e308, -1.7e308, true},
+      {__LINE__, -1e300, 1e300, true},
+      {__LINE__, 1e-300, 2e-300, true},
+      {__LINE__, 3e-308, 5e-308, true},  // the tick to limit ratio overflows
+      {__LINE__, -1e308, 1.797e308, false},
+      {__LINE__, -kMax, kMax, false},
+      {__LINE__, 1.7e308, 1.7e308, false},  // widened past the range
+      {__LINE__, 0, kInf, false},
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    EXPECT_EQ(zv::AxisRangeFits(r.low, r.high), r.fits);
+    if (!r.fits) continue;
+    double low = 0, high = 0, factor = 0;
+    const int32_t n = zv::NiceScale(r.low, r.high, &low, &high, &factor);
+    EXPECT_GE(n, 1);
+    EXPECT_LE(n, zv::kMaxIntervals);
+    EXPECT_LE(low, r.low);
+    EXPECT_GE(high, r.high);
+    EXPECT_TRUE(std::isfinite(high - low));
+    EXPECT_TRUE(std::isfinite(factor) && factor > 0);
+  }
+}
+
 TEST(PickMinorTicks, TheFirstDivisorOfTheLeadingDigits) {
   // m = step x 10^ceil(log10(1/step)), x 10 below 7; first of 7, 4, 3, 5, 2.
   struct Row {
@@ -330,10 +371,11 @@ TEST(PickMinorTicks, TheFirstDivisorOfTheLeadingDigits) {
     int32_t minor;
   };
   constexpr Row kRows[] = {
-      {__LINE__, 0.2, 4}, {__LINE__, 5, 5},     {__LINE__, 0, 1},
-      {__LINE__, 0.3, 3}, {__LINE__, 0.07, 7},  {__LINE__, 2.5, 5},
-      {__LINE__, 1, 5},   {__LINE__, 0.255, 1},  // m = 25.5 has no divisor
-      {__LINE__, 110, 1},                        // m = 11
+      {__LINE__, 0.2, 4},    {__LINE__, 5, 5},     {__LINE__, 0, 1},
+      {__LINE__, 0.3, 3},    {__LINE__, 0.07, 7},  {__LINE__, 2.5, 5},
+      {__LINE__, 1, 5},      {__LINE__, 0.255, 1},  // m = 25.5 has no divisor
+      {__LINE__, 110, 1},                           // m = 11
+      {__LINE__, 1e-310, 1},                        // 1 / step overflows: no digits
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
