@@ -247,13 +247,8 @@ int32_t Life2Prepare(int32_t slot, int32_t /*unused*/) {
     }
   }
 
-  // A failed group sort has shown its message (it could not get the memory
-  // for its order); the status gives the panes the reason instead of an
-  // analysis without groups.
-  if (FormSurvivalGroups(slot) == 0) {
-    state.status = 2;
-    return 0;
-  }
+  // A failed group sort has shown its message and leaves no group to report.
+  if (FormSurvivalGroups(slot) == 0) return 0;
   const int32_t groups = Get(state, kGroupCount);
   state.graphOptionsMask = groups <= 1 ? 1 : 0;
 

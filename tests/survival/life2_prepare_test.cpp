@@ -8,7 +8,6 @@
 #include <sstream>
 #include <string>
 
-#include "frame/messages.h"
 #include "life2_fixture.h"
 #include "survival/life2.h"
 #include "survival/life2_state.h"
@@ -104,28 +103,6 @@ TEST_F(Life2Prepare, SelectExcludesRows) {
   const zv::ProcedureState& state = Run("T,S\n5,1\n-3,0\n4,1\n", "T", "", "", "S");
   ASSERT_EQ(state.status, 0);
   EXPECT_EQ(Block<int32_t>(state, zv::kGroupCountsBinding, 2), (std::vector<int32_t>{2, 2}));
-}
-
-// Whichever allocation of the computation fails, the analysis ends with a
-// status, so that the panes give a reason rather than an empty analysis.
-TEST_F(Life2Prepare, EveryFailedAllocationLeavesAStatus) {
-  zv::ProcedureState& state = Run("T,G\n5,2\n3,1\n4,1\n6,2\n", "T", "", "G");
-  ASSERT_EQ(state.status, 0);
-  int32_t result = 0;
-  for (int32_t k = 0; result == 0 && k < 64; ++k) {
-    SCOPED_TRACE(k);
-    state.status = 0;
-    WinClearMessageBoxLog();
-    WinFailAllocationsAfter(k);
-    result = zv::Life2Prepare(0, 0);
-    WinFailAllocationsAfter(-1);
-    if (result == 0) {
-      EXPECT_EQ(state.status, 2);
-      EXPECT_EQ(LastMessage(), zv::LoadText(1001));
-    }
-  }
-  EXPECT_EQ(result, 1);
-  EXPECT_EQ(Get(state, zv::kGroupCount), 2);
 }
 
 // The remission times of Freireich et al. (1963), as tabulated by Gehan
