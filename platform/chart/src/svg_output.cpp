@@ -1,19 +1,32 @@
 // A laid-out graph as SVG text. Every item becomes one element whose class
 // names what it is, so that the picture can be read back by a program too.
+#include <charconv>
 #include <cstdio>
+#include <string_view>
 
 #include "chart_scene.h"
 
 namespace zvchart {
 namespace {
 
+// A coordinate to two decimals at most, trailing zeros dropped. to_chars
+// rounds as printf does, without its locale and format parsing.
+void AppendNumber(std::string& out, double v) {
+  char buffer[48];
+  auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::fixed, 2);
+  if (error != std::errc()) {  // beyond 1e45: no picture has such coordinates
+    out += '0';
+    return;
+  }
+  while (end[-1] == '0') --end;
+  if (end[-1] == '.') --end;
+  std::string_view s(buffer, static_cast<size_t>(end - buffer));
+  out += s == "-0" ? std::string_view("0") : s;
+}
+
 std::string Number(double v) {
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%.2f", v);
-  std::string s = buffer;
-  s.erase(s.find_last_not_of('0') + 1);
-  if (s.back() == '.') s.pop_back();
-  if (s == "-0") s = "0";
+  std::string s;
+  AppendNumber(s, v);
   return s;
 }
 
@@ -26,12 +39,23 @@ std::string Colour(Rgb c) {
 void AppendEscaped(std::string& out, std::string_view text) {
   for (char ch : text) {
     switch (ch) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&apos;"; break;
-      default: out += ch;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\'':
+        out += "&apos;";
+        break;
+      default:
+        out += ch;
     }
   }
 }
@@ -46,14 +70,20 @@ void AppendPaint(std::string& out, const SceneItem& it) {
   out += " stroke-linejoin=\"round\"";
 }
 
-void AppendItem(std::string& out, const SceneItem& it) {
+void AppendItem(std::string& out, const SceneItem& it, std::string_view id = {}) {
+  std::string idAttr;
+  if (!id.empty()) (idAttr += " id=\"").append(id) += '"';
   switch (it.kind) {
     case ItemKind::kPath: {
-      out += "<path class=\"" + it.role + "\" d=\"";
+      out += "<path";
+      out += idAttr;
+      out += " class=\"" + it.role + "\" d=\"";
       for (const auto& sub : it.subpaths) {
         for (size_t i = 0; i < sub.size(); ++i) {
           out += i == 0 ? "M" : " L";
-          out += Number(sub[i].x) + " " + Number(sub[i].y);
+          AppendNumber(out, sub[i].x);
+          out += ' ';
+          AppendNumber(out, sub[i].y);
         }
         if (it.closed) out += " Z";
         out += " ";
@@ -65,7 +95,9 @@ void AppendItem(std::string& out, const SceneItem& it) {
       break;
     }
     case ItemKind::kCircle:
-      out += "<circle class=\"" + it.role + "\" cx=\"" + Number(it.centre.x) + "\" cy=\"" +
+      out += "<circle";
+      out += idAttr;
+      out += " class=\"" + it.role + "\" cx=\"" + Number(it.centre.x) + "\" cy=\"" +
              Number(it.centre.y) + "\" r=\"" + Number(it.radius) + "\"";
       AppendPaint(out, it);
       out += "/>\n";
@@ -91,6 +123,27 @@ void AppendItem(std::string& out, const SceneItem& it) {
   }
 }
 
+// A repeated symbol: defined once, then one <use> per spot. Spots lie on the
+// half-pixel grid, so their coordinates are short.
+void AppendRepeated(std::string& out, const SceneItem& it, int number) {
+  std::string id = std::to_string(number);
+  id.insert(id.begin(), 's');
+  out += "<defs>";
+  AppendItem(out, it, id);  // the symbol around (0, 0)
+  out.pop_back();           // the line end
+  out += "</defs>\n<g class=\"" + it.role + "\">\n";
+  for (Pixel p : it.at) {
+    out += "<use href=\"#";
+    out += id;
+    out += "\" x=\"";
+    AppendNumber(out, p.x);
+    out += "\" y=\"";
+    AppendNumber(out, p.y);
+    out += "\"/>\n";
+  }
+  out += "</g>\n";
+}
+
 }  // namespace
 
 std::string RenderSvg(const StoredGraph& graph, RenderSize size) {
@@ -105,12 +158,17 @@ std::string RenderSvg(const StoredGraph& graph, RenderSize size) {
          Number(scene.clipTop) + "\" width=\"" + Number(scene.clipRight - scene.clipLeft) +
          "\" height=\"" + Number(scene.clipBottom - scene.clipTop) + "\"/></clipPath></defs>\n";
   bool inClip = false;
+  int repeated = 0;
   for (const SceneItem& it : scene.items) {
     if (it.clipped != inClip) {
       out += it.clipped ? "<g clip-path=\"url(#plot-area)\">\n" : "</g>\n";
       inClip = it.clipped;
     }
-    AppendItem(out, it);
+    if (it.at.empty()) {
+      AppendItem(out, it);
+    } else {
+      AppendRepeated(out, it, ++repeated);
+    }
   }
   if (inClip) out += "</g>\n";
   out += "</svg>\n";
