@@ -133,7 +133,7 @@ void AppendRepeated(std::string& out, const SceneItem& it, int number) {
   out.pop_back();           // the line end
   out += "</defs>\n<g class=\"" + it.role + "\">\n";
   for (Pixel p : it.at) {
-    out += "<use href=\"#";
+    out += "<use xlink:href=\"#";
     out += id;
     out += "\" x=\"";
     AppendNumber(out, p.x);
@@ -150,10 +150,12 @@ std::string RenderSvg(const StoredGraph& graph, RenderSize size) {
   Scene scene = BuildScene(graph, size);
   std::string out;
   out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-  out += "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"" +
-         std::to_string(scene.width) + "\" height=\"" + std::to_string(scene.height) +
-         "\" viewBox=\"0 0 " + std::to_string(scene.width) + " " + std::to_string(scene.height) +
-         "\" font-family=\"DejaVu Sans, Verdana, sans-serif\">\n";
+  out +=
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
+      "version=\"1.1\" width=\"" +
+      std::to_string(scene.width) + "\" height=\"" + std::to_string(scene.height) +
+      "\" viewBox=\"0 0 " + std::to_string(scene.width) + " " + std::to_string(scene.height) +
+      "\" font-family=\"DejaVu Sans, Verdana, sans-serif\">\n";
   out += "<defs><clipPath id=\"plot-area\"><rect x=\"" + Number(scene.clipLeft) + "\" y=\"" +
          Number(scene.clipTop) + "\" width=\"" + Number(scene.clipRight - scene.clipLeft) +
          "\" height=\"" + Number(scene.clipBottom - scene.clipTop) + "\"/></clipPath></defs>\n";

@@ -41,7 +41,7 @@ std::vector<std::string> Texts(const std::vector<SvgElement>& all, const std::st
 std::vector<const SvgElement*> Uses(const std::vector<SvgElement>& all, const std::string& id) {
   std::vector<const SvgElement*> found;
   for (const SvgElement& e : all) {
-    if (e.name == "use" && e.Attr("href") == "#" + id) found.push_back(&e);
+    if (e.name == "use" && e.Attr("xlink:href") == "#" + id) found.push_back(&e);
   }
   return found;
 }
