@@ -144,11 +144,11 @@ void AppendRepeated(std::string& out, const SceneItem& it, int number) {
   out += "</g>\n";
 }
 
-// A filled dot repeated down a column of spots: the discs half a pixel apart
+// A filled dot repeated down a column of spots: discs at most a pixel apart
 // merge into one stroke with round caps, as wide as the dot, from the first
-// centre to the last (the scallops it fills are a hundredth of a pixel
-// deep). A lone dot is a round cap on a line of length zero. Spots come
-// sorted by x, then y.
+// centre to the last (the scallops it fills are at most r - sqrt(r^2 - 1/4)
+// deep, 0.04 pixel for the smallest dot). A lone dot is a round cap on a
+// line of length zero. Spots come sorted by x, then y.
 bool DrawnAsDotRuns(const SceneItem& it) {
   return it.kind == ItemKind::kCircle && it.filled && it.fillOpacity >= 1.0 &&
          (!it.stroked ||
@@ -158,11 +158,10 @@ bool DrawnAsDotRuns(const SceneItem& it) {
 void AppendDotRuns(std::string& out, const SceneItem& it) {
   const double width = 2 * it.radius + (it.stroked ? it.strokeWidth : 0.0);
   out += "<path class=\"" + it.role + "\" d=\"";
-  const double step = 1.0 / kStampSteps;
   for (size_t i = 0; i < it.at.size();) {
     size_t end = i + 1;
     while (end < it.at.size() && it.at[end].x == it.at[i].x &&
-           it.at[end].y == it.at[end - 1].y + step) {
+           it.at[end].y <= it.at[end - 1].y + 1.0) {
       ++end;
     }
     out += 'M';
