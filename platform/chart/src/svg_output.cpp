@@ -1,6 +1,7 @@
 // A laid-out graph as SVG text. Every item becomes one element whose class
 // names what it is, so that the picture can be read back by a program too.
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <string_view>
 
@@ -12,12 +13,10 @@ namespace {
 // A coordinate to two decimals at most, trailing zeros dropped. to_chars
 // rounds as printf does, without its locale and format parsing.
 void AppendNumber(std::string& out, double v) {
-  char buffer[48];
+  char buffer[320];  // the largest double has 309 digits before the point
+  if (!std::isfinite(v)) v = 0;
   auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::fixed, 2);
-  if (error != std::errc()) {  // beyond 1e45: no picture has such coordinates
-    out += '0';
-    return;
-  }
+  (void)error;  // cannot fail with room for every finite double
   while (end[-1] == '0') --end;
   if (end[-1] == '.') --end;
   std::string_view s(buffer, static_cast<size_t>(end - buffer));
