@@ -10,19 +10,19 @@
 #   BUILD_DIR  a Release build holding bin/zivara (default build-rel)
 #   ROWS       sheet sizes (default 10000 100000 1000000)
 # Environment: ZV_SHEET_DIR, where the generated sheets are kept (default a
-# folder under the temporary directory; sheets are made once and reused).
+# folder under the temporary directory; sheets are made once, by
+# bench/make_sheet.cpp, and reused).
 set -euo pipefail
 
-here="$(cd "$(dirname "$0")" && pwd)"
 build="${1:-build-rel}"
 shift || true
 sizes=("$@")
 [ ${#sizes[@]} -gt 0 ] || sizes=(10000 100000 1000000)
 zivara="$build/bin/zivara"
-if [ ! -x "$zivara" ]; then
-  echo "whole_process: $zivara not found; build it first:" >&2
+if [ ! -x "$zivara" ] || [ ! -x "$build/bin/make_sheet" ]; then
+  echo "whole_process: $zivara or $build/bin/make_sheet not found; build them first:" >&2
   echo "  cmake -S . -B build-rel -DCMAKE_BUILD_TYPE=Release -DZV_BUILD_TESTS=OFF" >&2
-  echo "  cmake --build build-rel -j2 --target zivara" >&2
+  echo "  cmake --build build-rel -j2 --target zivara make_sheet" >&2
   exit 2
 fi
 if [ ! -x /usr/bin/time ]; then
@@ -59,7 +59,7 @@ printf '%-8s %-11s %8s %6s %9s %6s %9s %9s\n' rows run cpu_s growth rss_MiB grow
 declare -A last_cpu last_rss
 for n in "${sizes[@]}"; do
   sheet="$sheets/sheet_$n.csv"
-  [ -s "$sheet" ] || python3 "$here/make_sheet.py" "$n" "$sheet"
+  [ -s "$sheet" ] || "$build/bin/make_sheet" "$n" "$sheet"
 
   rm -rf "$work/graphs" && mkdir -p "$work/graphs"
   measure "$zivara" run DotDiagram --sheet "$sheet" --var 1=X --graphs "$work/graphs"

@@ -3,7 +3,7 @@
 set -euo pipefail
 packages=(cmake g++ libgtest-dev libgmock-dev libbenchmark-dev libcairo2-dev libcli11-dev
           nlohmann-json3-dev libfmt-dev libboost-math-dev libboost-dev binutils
-          libexpat1-dev libfontconfig-dev)
+          libexpat1-dev libfontconfig-dev time)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
