@@ -122,7 +122,8 @@ SceneItem RepeatedSymbol(const Canvas& c, int32_t style, Rgb colour, double radi
   spots.reserve(centres.size());
   for (Pixel p : centres) {
     if (!(p.x >= left && p.x <= right && p.y >= top && p.y <= bottom)) continue;
-    // Offset so that both halves are positive: 1e6 pixels in grid steps.
+    // Centres lie within 1e6 pixels, 2e6 grid steps: the offset makes both
+    // halves of the key positive.
     auto gx = static_cast<uint64_t>(std::lround(p.x * kStampSteps) + 4000000);
     auto gy = static_cast<uint64_t>(std::lround(p.y * kStampSteps) + 4000000);
     spots.push_back(gx << 32 | gy);
