@@ -5,8 +5,9 @@
 set -euo pipefail
 packages=(cmake g++ libgtest-dev libgmock-dev libbenchmark-dev libcairo2-dev libcli11-dev
           nlohmann-json3-dev libfmt-dev libboost-math-dev libboost-dev binutils
-          libexpat1-dev libfontconfig-dev)
-test_packages=(chromium)
+          libexpat1-dev libfontconfig-dev time)
+# The tests also check the HTML pages in a headless browser and the formatting.
+test_packages=(chromium clang-format)
 if [ "${1:-}" = "--tests" ]; then packages+=("${test_packages[@]}"); fi
 missing=()
 for p in "${packages[@]}"; do

@@ -127,6 +127,14 @@ Layout FitSpace(const StoredGraph& g, RenderSize size, double pad) {
 
 }  // namespace
 
+double StampExtent(const SceneItem& it) {
+  double extent = it.kind == ItemKind::kCircle ? it.radius : 0.0;
+  for (const auto& sub : it.subpaths) {
+    for (Pixel p : sub) extent = std::max({extent, std::fabs(p.x), std::fabs(p.y)});
+  }
+  return extent + (it.stroked ? it.strokeWidth : 0.0);
+}
+
 PlanePoint ProjectUnitCube(double x, double y, double z, int32_t viewAngleDegrees) {
   double a = viewAngleDegrees * kDegree;
   return {x + kDepthScale * y * std::cos(a), z + kDepthScale * y * std::sin(a)};

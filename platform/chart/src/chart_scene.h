@@ -24,11 +24,16 @@ enum class Dash { kSolid, kDashed, kDotted };
 
 struct SceneItem {
   ItemKind kind = ItemKind::kPath;
-  std::string role;  // what the item is: "frame", "series", "tick-label"...
+  std::string role;      // what the item is: "frame", "series", "tick-label"...
   bool clipped = false;  // drawn inside the plot area only
 
   // Paths: subpaths of vertices, each closed or not. A circle: its centre.
   std::vector<std::vector<Pixel>> subpaths;
+  // A symbol drawn many times: when `at` is not empty, the path or circle
+  // above is the symbol around (0, 0), drawn once at each of these centres.
+  // They lie on the half-pixel grid, each once, so that a writer may stamp
+  // one picture of the symbol at each.
+  std::vector<Pixel> at;
   bool closed = false;
   Pixel centre;
   double radius = 0;
@@ -57,6 +62,12 @@ struct Scene {
 };
 
 Scene BuildScene(const StoredGraph& graph, RenderSize size);
+
+// How far a symbol's paint reaches from its centre, stroke included.
+double StampExtent(const SceneItem& symbol);
+
+// Centres of repeated symbols lie on a grid of this many steps per pixel.
+inline constexpr int kStampSteps = 2;
 
 // The baseline sits this far below the anchor point, in font sizes.
 inline constexpr double kBaselineShift = 0.35;

@@ -152,6 +152,17 @@ SceneItem FilledPolygon(std::string role, std::vector<Pixel> points, Rgb fill) {
 }
 
 void AddToBounds(Bounds& b, const SceneItem& it) {
+  if (!it.at.empty()) {  // the symbol's box moved to the outermost centres
+    SceneItem one = it;
+    one.at.clear();
+    Bounds shape;
+    AddToBounds(shape, one);
+    Bounds centres;
+    for (Pixel p : it.at) centres.Add(p.x, p.y);
+    b.Add(centres.left + shape.left, centres.top + shape.top);
+    b.Add(centres.right + shape.right, centres.bottom + shape.bottom);
+    return;
+  }
   switch (it.kind) {
     case ItemKind::kPath:
       for (const auto& sub : it.subpaths) {

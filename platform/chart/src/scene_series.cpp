@@ -79,6 +79,66 @@ SceneItem Symbol(int32_t style, Pixel p, Rgb colour, double r) {
   return it;
 }
 
+// Thinning of a line, only in the picture (the stored graph keeps every
+// point): of consecutive points on one pixel, the first and the last are
+// kept, so the line enters and leaves each pixel where it did. The last
+// point of a run is `provisional` while the next one may still replace it.
+bool SamePixel(Pixel a, Pixel b) {
+  return std::floor(a.x) == std::floor(b.x) && std::floor(a.y) == std::floor(b.y);
+}
+
+void AddToRun(std::vector<Pixel>& run, Pixel p, bool& provisional) {
+  if (!run.empty() && SamePixel(run[run.size() - (provisional ? 2 : 1)], p)) {
+    if (provisional) {
+      run.back() = p;
+    } else {
+      run.push_back(p);
+      provisional = true;
+    }
+    return;
+  }
+  run.push_back(p);
+  provisional = false;
+}
+
+// One symbol item drawn at every visible centre. Centres move to the
+// half-pixel grid (at most a quarter pixel, below what antialiasing shows)
+// and each spot is drawn once: a million dots of a tall stack fall on a few
+// thousand spots. Painting one colour over itself is the same in any order,
+// so the spots are kept sorted.
+SceneItem RepeatedSymbol(const Canvas& c, int32_t style, Rgb colour, double radius,
+                         const std::vector<Pixel>& centres, bool clipped) {
+  SceneItem s = Symbol(style, Pixel{0, 0}, colour, radius);
+  s.clipped = clipped;
+  const double reach = StampExtent(s);
+  double left = -1e6, top = -1e6, right = 1e6, bottom = 1e6;  // far beyond any canvas
+  if (clipped) {
+    left = c.layout.flat.left - 1 - reach;
+    top = c.layout.flat.top - 1 - reach;
+    right = c.layout.flat.left + c.layout.flat.width + 1 + reach;
+    bottom = c.layout.flat.top + c.layout.flat.height + 1 + reach;
+  }
+  std::vector<uint64_t> spots;
+  spots.reserve(centres.size());
+  for (Pixel p : centres) {
+    if (!(p.x >= left && p.x <= right && p.y >= top && p.y <= bottom)) continue;
+    // Centres lie within 1e6 pixels, 2e6 grid steps: the offset makes both
+    // halves of the key positive.
+    auto gx = static_cast<uint64_t>(std::lround(p.x * kStampSteps) + 4000000);
+    auto gy = static_cast<uint64_t>(std::lround(p.y * kStampSteps) + 4000000);
+    spots.push_back(gx << 32 | gy);
+  }
+  std::sort(spots.begin(), spots.end());
+  spots.erase(std::unique(spots.begin(), spots.end()), spots.end());
+  s.at.reserve(spots.size());
+  for (uint64_t k : spots) {
+    double gx = static_cast<double>(static_cast<int64_t>(k >> 32) - 4000000);
+    double gy = static_cast<double>(static_cast<int64_t>(k & 0xFFFFFFFFu) - 4000000);
+    s.at.push_back({gx / kStampSteps, gy / kStampSteps});
+  }
+  return s;
+}
+
 void DrawPolylines(Canvas& c, bool legendLayer) {
   int width = c.g.pointWidth;
   if (width < 3) return;
@@ -88,16 +148,18 @@ void DrawPolylines(Canvas& c, bool legendLayer) {
     size_t n = e.values.size() / width;
     std::vector<std::vector<Pixel>> runs(1);
     std::vector<Pixel> marks;
+    bool provisional = false;
     for (size_t i = 0; i < n; ++i) {
       const double* v = e.values.data() + i * width;
       bool legend = v[width - 1] == kLegendSampleTag;
       Pixel p = legend == legendLayer ? PointOf(c, v, width, legend) : Pixel{kNaN, kNaN};
       if (!Valid(p)) {
         if (!runs.back().empty()) runs.emplace_back();
+        provisional = false;
         continue;
       }
-      runs.back().push_back(p);
-      marks.push_back(p);
+      if (e.pen > 0) AddToRun(runs.back(), p, provisional);
+      if (e.symbol > 0) marks.push_back(p);
     }
     std::vector<SceneItem>& out = legendLayer ? c.legend : c.items;
     if (e.pen > 0) {
@@ -109,13 +171,10 @@ void DrawPolylines(Canvas& c, bool legendLayer) {
       }
       if (!line.subpaths.empty()) out.push_back(std::move(line));
     }
-    if (e.symbol > 0) {
+    if (e.symbol > 0 && !marks.empty()) {
       Rgb colour = PenColour(e.pen > 0 ? e.pen : e.symbol);
-      for (Pixel p : marks) {
-        SceneItem s = Symbol(e.symbol, p, colour, radius);
-        s.clipped = flatClip && !legendLayer;
-        out.push_back(std::move(s));
-      }
+      SceneItem s = RepeatedSymbol(c, e.symbol, colour, radius, marks, flatClip && !legendLayer);
+      if (!s.at.empty()) out.push_back(std::move(s));
     }
   }
 }

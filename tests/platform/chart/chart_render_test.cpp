@@ -37,6 +37,52 @@ std::vector<std::string> Texts(const std::vector<SvgElement>& all, const std::st
   return out;
 }
 
+// The <use> elements that repeat the symbol with this id.
+std::vector<const SvgElement*> Uses(const std::vector<SvgElement>& all, const std::string& id) {
+  std::vector<const SvgElement*> found;
+  for (const SvgElement& e : all) {
+    if (e.name == "use" && e.Attr("xlink:href") == "#" + id) found.push_back(&e);
+  }
+  return found;
+}
+
+// The id of the one symbol defined for <use>.
+std::string DefinedSymbol(const std::vector<SvgElement>& all) {
+  std::string id;
+  for (const SvgElement* e : WithClass(all, "path", "symbol")) {
+    if (!e->Attr("id").empty()) {
+      EXPECT_TRUE(id.empty()) << "a second definition " << e->Attr("id");
+      id = e->Attr("id");
+    }
+  }
+  return id;
+}
+
+// Filled dots drawn as round-capped strokes down columns of spots: each run's
+// x, first and last y.
+struct DotRun {
+  double x, top, bottom;
+};
+std::vector<DotRun> DotRuns(const std::vector<SvgElement>& all, double* width) {
+  std::vector<DotRun> runs;
+  for (const SvgElement* e : WithClass(all, "path", "symbol")) {
+    if (e->Attr("stroke-linecap") != "round") continue;
+    *width = std::stod(e->Attr("stroke-width"));
+    const std::string d = e->Attr("d");
+    for (const char* p = d.c_str(); *p == 'M';) {
+      char* end;
+      DotRun r{};
+      r.x = std::strtod(p + 1, &end);
+      r.top = r.bottom = std::strtod(end, &end);
+      if (*end == 'V') r.bottom = std::strtod(end + 1, &end);
+      if (*end == 'v') std::strtod(end + 1, &end);
+      runs.push_back(r);
+      p = end;
+    }
+  }
+  return runs;
+}
+
 // The plot square from the closed frame: left, top, width, height.
 struct Box {
   double left, top, width, height;
@@ -95,9 +141,8 @@ TEST_F(ChartRender, StepPlotIsWellFormedAndComplete) {
   EXPECT_EQ(all[0].name, "svg");
   // Two curves and two legend samples, one path each.
   EXPECT_EQ(WithClass(all, "path", "series").size(), 4u);
-  EXPECT_EQ(Texts(all, "tick-label"),
-            (std::vector<std::string>{"0", "2", "4", "6", "8", "10", "0", "0.2", "0.4", "0.6",
-                                      "0.8", "1"}));
+  EXPECT_EQ(Texts(all, "tick-label"), (std::vector<std::string>{"0", "2", "4", "6", "8", "10", "0",
+                                                                "0.2", "0.4", "0.6", "0.8", "1"}));
   // Placeholders filled, with the characters XML must escape.
   EXPECT_EQ(Texts(all, "axis-title"),
             (std::vector<std::string>{"Months & <days>", "survival probability"}));
@@ -153,8 +198,91 @@ TEST_F(ChartRender, MissingValuesBreakLinesAndSymbolsCount) {
   auto series = WithClass(all, "path", "series");
   ASSERT_EQ(series.size(), 1u);
   EXPECT_EQ(PathPoints(*series[0]).size(), 2u);  // two runs around the gap
-  EXPECT_EQ(WithClass(all, "circle", "symbol").size(), 3u);
-  EXPECT_EQ(WithClass(all, "path", "symbol").size(), 1u);  // the square
+  // Filled dots are round caps; another symbol is defined once and used.
+  double width = 0;
+  EXPECT_EQ(DotRuns(all, &width).size(), 3u);
+  EXPECT_EQ(Uses(all, DefinedSymbol(all)).size(), 1u);
+}
+
+// Many markers on few spots: each spot is drawn once, at most a quarter
+// pixel from its points, filled dots down a column as one stroke from the
+// first spot to the last; points beyond the plot are left out of the
+// picture, while the stored graph keeps every point.
+TEST_F(ChartRender, RepeatedMarkersDrawnOncePerSpot) {
+  GraphInput in;
+  in.SetAxis(0, 0, 10, {0, 5, 10});
+  in.SetAxis(1, 0, 10, {0, 5, 10});
+  std::vector<double> points;
+  for (int i = 0; i < 5000; ++i) {
+    points.insert(points.end(), {2.0 + (i % 2) * 1e-6, 3.0, 0.0});  // all on one spot
+  }
+  for (int i = 0; i < 1000; ++i) {
+    points.insert(points.end(), {7.0, 5.0 + i * 1e-3, 0.0});  // a column, far below a pixel apart
+  }
+  points.insert(points.end(), {30.0, 3.0, 0.0});  // beyond the x axis
+  in.AddElement(0, 1, points);                    // filled dots
+  in.AddElement(0, 2, points);                    // squares
+  in.Draw(1, 10);
+  ASSERT_EQ(zvchart::FindGraph(10)->elements[0].values.size(), points.size());
+  auto all = Svg(10);
+  Box plot = FrameBox(all);
+  auto near = [](double a, double b) { return std::fabs(a - b) <= 0.25 + 0.01; };  // frame to 0.01
+  const Point spot{plot.left + 0.2 * plot.width, plot.top + 0.7 * plot.height};
+  const double columnX = plot.left + 0.7 * plot.width;
+  const double columnTop = plot.top + (1 - 0.5999) * plot.height;
+  const double columnBottom = plot.top + 0.5 * plot.height;
+
+  double width = 0;
+  auto runs = DotRuns(all, &width);
+  ASSERT_EQ(runs.size(), 2u);  // sorted by x
+  EXPECT_TRUE(near(runs[0].x, spot.x) && near(runs[0].top, spot.y) &&
+              runs[0].bottom == runs[0].top);
+  EXPECT_TRUE(near(runs[1].x, columnX) && near(runs[1].top, columnTop) &&
+              near(runs[1].bottom, columnBottom));
+
+  auto uses = Uses(all, DefinedSymbol(all));
+  // One use on the spot and one per half pixel down the column.
+  const double column = columnBottom - columnTop;
+  EXPECT_GE(uses.size(), 1 + std::floor(2 * column) + 1 - 0.5);
+  EXPECT_LE(uses.size(), 1 + std::ceil(2 * column) + 1 + 0.5);
+  for (const SvgElement* u : uses) {
+    double x = std::stod(u->Attr("x")), y = std::stod(u->Attr("y"));
+    SCOPED_TRACE(u->Attr("x") + " " + u->Attr("y"));
+    EXPECT_EQ(std::fmod(x * 2, 1.0), 0.0);  // on the half-pixel grid
+    EXPECT_EQ(std::fmod(y * 2, 1.0), 0.0);
+    EXPECT_TRUE(near(x, spot.x)
+                    ? near(y, spot.y)
+                    : near(x, columnX) && y >= columnTop - 0.26 && y <= columnBottom + 0.26);
+  }
+}
+
+// A line of many points within a pixel or two is thinned in the picture, never in
+// the stored graph; it starts and ends where its points do.
+TEST_F(ChartRender, LineThinnedWithinPixels) {
+  GraphInput in;
+  in.SetAxis(0, 0, 4, {0, 2, 4});
+  in.SetAxis(1, 0, 4, {0, 2, 4});
+  std::vector<double> points = {2, 2, -1};
+  for (int i = 1; i <= 10000; ++i) points.insert(points.end(), {2 + 1e-7 * i, 2, -1});
+  points.insert(points.end(), {4, 4, -1});
+  in.AddElement(1, 0, points);
+  in.Draw(1, 11);
+  ASSERT_EQ(zvchart::FindGraph(11)->elements[0].values.size(), points.size());
+  auto all = Svg(11);
+  Box plot = FrameBox(all);
+  auto series = WithClass(all, "path", "series");
+  ASSERT_EQ(series.size(), 1u);
+  auto runs = PathPoints(*series[0]);
+  ASSERT_EQ(runs.size(), 1u);
+  const auto& v = runs[0];
+  // The points go 0.001 of the axis along, into at most two pixels: the
+  // first and last point of each, then the far corner.
+  ASSERT_GE(v.size(), 3u);
+  EXPECT_LE(v.size(), 5u);
+  EXPECT_NEAR(v.front().x, plot.left + plot.width / 2, 0.02);
+  EXPECT_NEAR(v.front().y, plot.top + plot.height / 2, 0.02);
+  EXPECT_NEAR(v.back().x, plot.left + plot.width, 0.02);
+  EXPECT_NEAR(v.back().y, plot.top, 0.02);
 }
 
 // Bubbles, band polygons of a flat contour map, and histogram bars.
@@ -278,7 +406,8 @@ TEST_F(ChartRender, ThreeDimensionalGraphProjectsTheCube) {
     bottom = std::max(bottom, p.y);
   }
   // The projected cube spans u 0..1.4330 and v 0..1.25: one scale for both.
-  const double c = std::cos(30 * std::numbers::pi / 180) / 2, s = std::sin(30 * std::numbers::pi / 180) / 2;
+  const double c = std::cos(30 * std::numbers::pi / 180) / 2,
+               s = std::sin(30 * std::numbers::pi / 180) / 2;
   double k = (right - left) / (1 + c);
   EXPECT_NEAR((bottom - top) / (1 + s), k, 0.02);
   for (int i = 0; i < 8; ++i) {
@@ -344,6 +473,62 @@ TEST_F(ChartRender, PngPictureIsWritten) {
   EXPECT_EQ(h, 480);
   EXPECT_GT(inked, 2000);
   EXPECT_LT(inked, 640 * 480 / 4);
+}
+
+// Dots painted from one stamp: solid in the pen colour at each centre the
+// SVG gives, each about a disc as wide as the SVG's stroke,
+// and nothing beyond the plot's clip.
+TEST_F(ChartRender, PngDotsStampedWhereTheSvgPlacesThem) {
+  GraphInput in;
+  in.SetAxis(0, 0, 10, {0, 5, 10});
+  in.SetAxis(1, 0, 10, {0, 5, 10});
+  in.AddElement(0, 1, {2, 2, 0, 4.03, 6.01, 1, 6.07, 3.02, 2, 8.05, 8.04, 3, 10, 5, 4});
+  in.Draw(1, 12);
+  auto all = Svg(12);
+  double width = 0;
+  auto dots = DotRuns(all, &width);
+  ASSERT_EQ(dots.size(), 5u);
+  const double r = width / 2;
+  const auto fill = WithClass(all, "path", "symbol")[0]->Attr("stroke");
+  const std::string path = ZV_BIN_DIR "/chart_dots.png";
+  ASSERT_TRUE(zvchart::ChartRenderPng(12, path));
+  cairo_surface_t* image = cairo_image_surface_create_from_png(path.c_str());
+  ASSERT_EQ(cairo_surface_status(image), CAIRO_STATUS_SUCCESS);
+  const int stride = cairo_image_surface_get_stride(image);
+  const unsigned char* data = cairo_image_surface_get_data(image);
+  auto pixel = [&](double x, double y) {
+    return reinterpret_cast<const uint32_t*>(data +
+                                             static_cast<int>(y) * stride)[static_cast<int>(x)] &
+           0xFFFFFF;
+  };
+  const uint32_t pen = std::stoul(fill.substr(1), nullptr, 16);
+  Box plot = FrameBox(all);
+  const double clipRight = plot.left + plot.width + 1;
+  for (const DotRun& dot : dots) {
+    const double x = dot.x, y = dot.top;
+    SCOPED_TRACE(std::to_string(x) + " " + std::to_string(y));
+    EXPECT_EQ(pixel(x, y), pen);
+    EXPECT_EQ(pixel(x - r + 2, y), pen);
+    EXPECT_EQ(pixel(x - r - 1.5, y), 0xFFFFFFu);
+    if (x < clipRight - r - 2) {
+      for (double d : {r - 2, -(r - 2)}) EXPECT_EQ(pixel(x, y + d), pen);
+      for (double d : {r + 1.5, -(r + 1.5)}) EXPECT_EQ(pixel(x, y + d), 0xFFFFFFu);
+      EXPECT_EQ(pixel(x + r - 2, y), pen);
+      EXPECT_EQ(pixel(x + r + 1.5, y), 0xFFFFFFu);
+    } else {  // the dot on the right edge: cut at the clip
+      EXPECT_EQ(pixel(clipRight + 1, y), 0xFFFFFFu);
+    }
+  }
+  // Pixels of the pen colour, a little less than four whole discs and half of
+  // the fifth (antialiased edges are mixed with white).
+  int solid = 0;
+  for (int y = 0; y < cairo_image_surface_get_height(image); ++y) {
+    for (int x = 0; x < cairo_image_surface_get_width(image); ++x) solid += pixel(x, y) == pen;
+  }
+  const double discs = 4.5 * std::numbers::pi * r * r;
+  EXPECT_GT(solid, 0.6 * discs);
+  EXPECT_LT(solid, 1.05 * discs);
+  cairo_surface_destroy(image);
 }
 
 }  // namespace
