@@ -119,35 +119,24 @@ TEST_F(ProtocolTest, StatusFromConstantAndEmptyColumns) {
   EXPECT_TRUE(WinDialogLog().empty() || WinDialogLog().back().templateId == 9969);
 }
 
-TEST_F(ProtocolTest, RedoItem1LeavesItsOwnFlagAndMarksTheRest) {
+// A graph Item without a pane record (RedoItem1 passes none) draws nothing;
+// an item without a writer still invalidates its pane; RedoItem1 leaves its
+// own flag and marks the rest.
+TEST_F(ProtocolTest, ItemsWithoutRecordOrWriterAndRedoItem1) {
   LoadSheet(kSheet);
   zv::ProcedureState& state = Open(0, "Weight", "");
   DotDiagramBegin(0, 0, 0);
-  for (int& flag : state.paneStale) flag = 0;
-  EXPECT_EQ(DotDiagramRedoItem1(pane.get(), 0, 0, 0, 0, 0), 1);
-  EXPECT_EQ(state.paneStale[0], 0);
-  for (int item = 2; item <= 14; ++item) EXPECT_EQ(state.paneStale[item - 1], 1);
-  EXPECT_NE(WinGetWindowText(pane->window).find("Dot Diagram"), std::string::npos);
-}
-
-// RedoItem1 passes no pane record; a graph Item without one draws nothing.
-TEST_F(ProtocolTest, GraphItemWithoutPaneRecordDrawsNothing) {
-  LoadSheet(kSheet);
-  Open(0, "Weight", "");
-  DotDiagramBegin(0, 0, 0);
   EXPECT_EQ(DotDiagramItem(pane.get(), 0, 8, nullptr, 0), 0);
-  EXPECT_EQ(WinWaitCursorLevel(), 0);
-}
-
-TEST_F(ProtocolTest, ItemWithoutWriterStillInvalidates) {
-  LoadSheet(kSheet);
-  Open(0, "Weight", "");
-  DotDiagramBegin(0, 0, 0);
   const int32_t before = WinInvalidateCount(pane->window);
   EXPECT_EQ(DotDiagramItem(pane.get(), 0, 5, paneRecord.get(), 0), 0);
   EXPECT_EQ(WinInvalidateCount(pane->window), before + 1);
   EXPECT_EQ(WinGetWindowText(pane->window), "");
   EXPECT_EQ(WinWaitCursorLevel(), 0);
+  for (int& flag : state.paneStale) flag = 0;
+  EXPECT_EQ(DotDiagramRedoItem1(pane.get(), 0, 0, 0, 0, 0), 1);
+  EXPECT_EQ(state.paneStale[0], 0);
+  for (int item = 2; item <= 14; ++item) EXPECT_EQ(state.paneStale[item - 1], 1);
+  EXPECT_NE(WinGetWindowText(pane->window).find("Dot Diagram"), std::string::npos);
 }
 
 TEST_F(ProtocolTest, BeginAgainWithDeletedColumnSets1025AndDoesNotBegin) {

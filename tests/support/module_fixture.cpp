@@ -14,9 +14,7 @@
 namespace zvtest {
 namespace {
 
-void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {
-  ++ModuleFixture::refreshCalls;
-}
+void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {}
 void Modified(zv::HostRecord*, int32_t) {
   ++ModuleFixture::modifiedCalls;
 }
@@ -82,7 +80,6 @@ const FamilyEntries& EntriesOf(const zv::FamilyInfo& family) {
 
 }  // namespace
 
-int ModuleFixture::refreshCalls = 0;
 int ModuleFixture::modifiedCalls = 0;
 int ModuleFixture::dropCalls = 0;
 
@@ -111,7 +108,7 @@ void ModuleFixture::SetUp() {
   zv::gHost = host.get();
   zv::gSheetWindow = sheet.get();
   zv::gFrameWindow = frame.get();
-  refreshCalls = modifiedCalls = dropCalls = 0;
+  modifiedCalls = dropCalls = 0;
   IsKeel4Loaded(help.get(), advice.data(), 0);
   WinClearMessageBoxLog();
   WinClearMissingStrings();

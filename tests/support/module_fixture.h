@@ -80,7 +80,6 @@ class ModuleFixture : public ::testing::Test {
 
  public:
   // Calls the Host's virtual operations made.
-  static int refreshCalls;
   static int modifiedCalls;
   static int dropCalls;
 };

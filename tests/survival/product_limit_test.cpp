@@ -138,33 +138,27 @@ TEST(ProductLimit, NegativeCensoringValue) {
   EXPECT_NEAR(MeanErrorSweep(g, e.survival), 8.0 / 3, 1e-14);
 }
 
-TEST(ProductLimit, SingleRows) {
+// One row, or withdrawals only: the survival stays where it is (0 after a
+// single failure), the mean is the last time, the error 0.
+TEST(ProductLimit, SingleRowsAndWithdrawalsOnly) {
   struct Row {
     int line;
-    double censor;
-    double mean, error;
+    Group g;
+    double survival, mean;
   };
   const Row kRows[] = {
-      {__LINE__, 0, 7.0, 0.0},  // one failure: mean its time, error 0
-      {__LINE__, 1, 7.0, 0.0},  // one withdrawal: the area runs to its time
+      {__LINE__, Group({7}, {0}), 0.0, 7.0},
+      {__LINE__, Group({7}, {1}), 1.0, 7.0},
+      {__LINE__, Group({3, 5, 9}, {1, 1, 1}), 1.0, 9.0},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
-    const Group g({7}, {r.censor});
-    const Estimates e = Estimate(g);
+    const Estimates e = Estimate(r.g);
+    for (double s : e.survival) EXPECT_EQ(s, r.survival);
     EXPECT_EQ(e.mean, r.mean);
-    EXPECT_EQ(MeanSurvivalErrorDirect(g.View(), e.survival.data()), r.error);
-    EXPECT_EQ(MeanErrorSweep(g, e.survival), r.error);
+    EXPECT_EQ(MeanSurvivalErrorDirect(r.g.View(), e.survival.data()), 0.0);
+    EXPECT_EQ(MeanErrorSweep(r.g, e.survival), 0.0);
   }
-}
-
-// A group of withdrawals only: no estimate moves, the mean is the last time.
-TEST(ProductLimit, WithdrawalsOnly) {
-  const Group g({3, 5, 9}, {1, 1, 1});
-  const Estimates e = Estimate(g);
-  for (double s : e.survival) EXPECT_EQ(s, 1.0);
-  EXPECT_EQ(e.mean, 9.0);
-  EXPECT_EQ(MeanSurvivalErrorDirect(g.View(), e.survival.data()), 0.0);
 }
 
 // Percentiles of the hand-worked group: survival 5/6, 1/2, 1/2, (1/2), 1/4,
