@@ -114,14 +114,26 @@ TEST(ProductLimit, LastObservationFailed) {
   EXPECT_NEAR(MeanErrorSweep(g, e.survival), std::sqrt(125.0 / 108), 1e-15);
 }
 
-// A failure and a withdrawal at one time: the failure stands first and both
-// carry the survival after the failure.
-TEST(ProductLimit, FailureAndWithdrawalAtOneTime) {
-  const Group g({4, 4, 9}, {0, 1, 0});
-  const Estimates e = Estimate(g);
-  EXPECT_DOUBLE_EQ(e.survival[0], 2.0 / 3);
-  EXPECT_DOUBLE_EQ(e.survival[1], 2.0 / 3);
-  EXPECT_EQ(e.survival[2], 0.0);
+// Rows at one time carry the estimates after the whole tie. A failure and a
+// withdrawal at 4: the failure stands first, both at 2/3. Tied failures at
+// the end, 2, 5, 5: 2/3, then 1/3 and 0 by row, both 0 after the tie, with the
+// error 0 as well (Greenwood sum 1/6 + 1/2, times a survival of 0).
+TEST(ProductLimit, TiesCarryTheEstimatesAfterTheTie) {
+  struct Row {
+    int line;
+    Group g;
+    std::vector<double> survival, error;
+  };
+  const Row kRows[] = {
+      {__LINE__, Group({4, 4, 9}, {0, 1, 0}), {2.0 / 3, 2.0 / 3, 0}, {}},
+      {__LINE__, Group({2, 5, 5}, {0, 0, 0}), {2.0 / 3, 0, 0}, {std::sqrt(1.0 / 6) * 2 / 3, 0, 0}},
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    const Estimates e = Estimate(r.g);
+    for (size_t k = 0; k < r.survival.size(); ++k) EXPECT_NEAR(e.survival[k], r.survival[k], 1e-15);
+    for (size_t k = 0; k < r.error.size(); ++k) EXPECT_NEAR(e.error[k], r.error[k], 1e-15);
+  }
 }
 
 // A negative censoring value is a failure in the estimates, but not in the
