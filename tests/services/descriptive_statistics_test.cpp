@@ -196,6 +196,17 @@ TEST_F(Summary, EdgeCases) {
     EXPECT_EQ(r[zv::kStatSkewness], m);
   }
   {
+    // Skewness from three values, kurtosis from four. 1, 2, 4: mean 7/3,
+    // deviations -4/3, -1/3, 5/3, s3 = 60/27, variance 7/3, so the skewness
+    // is 3 s3 / (1 x 2 x variance x sd) = 10 / (7 sqrt(7/3)).
+    SCOPED_TRACE("two and three values");
+    EXPECT_EQ(Compute({1.0, 2.0})[zv::kStatSkewness], m);
+    const std::vector<double> r = Compute({1.0, 2.0, 4.0});
+    EXPECT_NEAR(r[zv::kStatSkewness], 10 / (7 * std::sqrt(7.0 / 3)), 1e-15);
+    EXPECT_EQ(r[zv::kStatKurtosis], m);
+    EXPECT_EQ(r[zv::kStatStandardizedKurtosis], m);
+  }
+  {
     SCOPED_TRACE("mean 0 and a zero value");
     const std::vector<double> r = Compute({-1.0, 0.0, 1.0});
     EXPECT_EQ(r[zv::kStatCoefficientOfVariation], m);
