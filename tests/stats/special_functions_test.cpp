@@ -37,6 +37,12 @@ double WorstError(double from, double to, double step, Ours ours, Ref ref, bool 
   return worst;
 }
 
+// Degrees of freedom with the largest error measured over a grid.
+struct DfRow {
+  int line;
+  double df, tolerance;
+};
+
 struct Pin {
   int line;
   double value, expected;
@@ -121,14 +127,10 @@ TEST(StudentCdf, SwitchesToNormalAbove1000) {
 
 TEST(StudentCdf, AgainstBoost) {
   // Measured maximum absolute error: 7.4e-7 (df 4), below 1e-8 from df 10.
-  struct Row {
-    int line;
-    double df, tolerance;
-  };
-  constexpr Row kRows[] = {{__LINE__, 1, 3e-7},    {__LINE__, 2, 2e-7},    {__LINE__, 3, 3e-7},
-                           {__LINE__, 4, 8e-7},    {__LINE__, 7, 3e-7},    {__LINE__, 10, 1e-8},
-                           {__LINE__, 100, 1e-12}, {__LINE__, 1000, 2e-12}};
-  for (const Row& r : kRows) {
+  constexpr DfRow kRows[] = {{__LINE__, 1, 3e-7},    {__LINE__, 2, 2e-7},    {__LINE__, 3, 3e-7},
+                             {__LINE__, 4, 8e-7},    {__LINE__, 7, 3e-7},    {__LINE__, 10, 1e-8},
+                             {__LINE__, 100, 1e-12}, {__LINE__, 1000, 2e-12}};
+  for (const DfRow& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::students_t t(r.df);
     EXPECT_LT(WorstError(
@@ -158,14 +160,10 @@ TEST(StudentQuantile, ReservedValuesAndBranches) {
 TEST(StudentQuantile, AgainstBoost) {
   // Measured maximum error relative to max(1, |t|): 1.5e-5 (df 3), 5.5e-6
   // (df 5), 2.8e-6 from df 10 on; 3e-9 for the cotangent of df 1.
-  struct Row {
-    int line;
-    double df, tolerance;
-  };
-  constexpr Row kRows[] = {{__LINE__, 1, 4e-9},   {__LINE__, 2, 1e-13}, {__LINE__, 3, 1.6e-5},
-                           {__LINE__, 5, 6e-6},   {__LINE__, 10, 3e-6}, {__LINE__, 100, 3e-6},
-                           {__LINE__, 1000, 3e-6}};
-  for (const Row& r : kRows) {
+  constexpr DfRow kRows[] = {{__LINE__, 1, 4e-9},   {__LINE__, 2, 1e-13}, {__LINE__, 3, 1.6e-5},
+                             {__LINE__, 5, 6e-6},   {__LINE__, 10, 3e-6}, {__LINE__, 100, 3e-6},
+                             {__LINE__, 1000, 3e-6}};
+  for (const DfRow& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::students_t t(r.df);
     EXPECT_LT(WorstError(
@@ -243,14 +241,11 @@ TEST(ChiSquareCdf, BranchSwitches) {
 TEST(ChiSquareCdf, AgainstBoost) {
   // Measured maximum absolute error: 3.7e-6 for df 1 and 3, below 3.1e-7 for
   // other df under 100, 1.1e-4 at 100 (Wilson-Hilferty), 2.3e-5 at 500.
-  struct Row {
-    int line;
-    double df, tolerance;
-  };
-  constexpr Row kRows[] = {{__LINE__, 1, 3.8e-6}, {__LINE__, 2, 1e-15},    {__LINE__, 3, 3.8e-6},
-                           {__LINE__, 5, 1.5e-7}, {__LINE__, 10, 3.1e-7},  {__LINE__, 25, 1.5e-7},
-                           {__LINE__, 99, 1e-8},  {__LINE__, 100, 1.2e-4}, {__LINE__, 500, 2.4e-5}};
-  for (const Row& r : kRows) {
+  constexpr DfRow kRows[] = {
+      {__LINE__, 1, 3.8e-6}, {__LINE__, 2, 1e-15},    {__LINE__, 3, 3.8e-6},
+      {__LINE__, 5, 1.5e-7}, {__LINE__, 10, 3.1e-7},  {__LINE__, 25, 1.5e-7},
+      {__LINE__, 99, 1e-8},  {__LINE__, 100, 1.2e-4}, {__LINE__, 500, 2.4e-5}};
+  for (const DfRow& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::chi_squared c(r.df);
     EXPECT_LT(WorstError(

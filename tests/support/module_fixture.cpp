@@ -15,9 +15,7 @@ namespace zvtest {
 namespace {
 
 void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {}
-void Modified(zv::HostRecord*, int32_t) {
-  ++ModuleFixture::modifiedCalls;
-}
+void Modified(zv::HostRecord*, int32_t) {}
 void Wait(zv::HostHelpRecord*, int32_t) {}
 void Drop(zv::HostView*, int32_t) {
   ++ModuleFixture::dropCalls;
@@ -80,7 +78,6 @@ const FamilyEntries& EntriesOf(const zv::FamilyInfo& family) {
 
 }  // namespace
 
-int ModuleFixture::modifiedCalls = 0;
 int ModuleFixture::dropCalls = 0;
 
 void ModuleFixture::SetUp() {
@@ -108,7 +105,7 @@ void ModuleFixture::SetUp() {
   zv::gHost = host.get();
   zv::gSheetWindow = sheet.get();
   zv::gFrameWindow = frame.get();
-  modifiedCalls = dropCalls = 0;
+  dropCalls = 0;
   IsKeel4Loaded(help.get(), advice.data(), 0);
   WinClearMessageBoxLog();
   WinClearMissingStrings();
