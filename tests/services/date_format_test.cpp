@@ -66,19 +66,16 @@ struct Row {
 
 TEST(FormatDate, OrdersLettersAndTypes) {
   constexpr Row kRows[] = {
-      // 'D' by gDateOrder: 'd' and 'm' "%d", 'D', 'M', 'Y' and 'y' "%02d".
+      // 'D' by gDateOrder: 'd' and 'm' "%d", 'D', 'M', 'Y' and 'y' "%02d" (the
+      // calendar itself, 2000 included, is checked day by day above).
       {__LINE__, "mdy/", "my/", 0, ':', 1.0, 'D', "1/1/50"},
       {__LINE__, "mdy/", "my/", 0, ':', 0.6, 'D', "1/1/50"},    // rounds to day 1
       {__LINE__, "mdy/", "my/", 0, ':', 0.4, 'D', "12/31/49"},  // day 0
       {__LINE__, "mdy/", "my/", 0, ':', 790.0, 'D', "2/29/52"},
-      {__LINE__, "mdy/", "my/", 0, ':', 791.0, 'D', "3/1/52"},
       {__LINE__, "DMY.", "MY.", 0, ':', 790.0, 'D', "29.02.52"},
       {__LINE__, "ymd-", "ym-", 0, ':', 790.0, 'D', "52-2-29"},
       {__LINE__, "dMy/", "My/", 0, ':', 1096.0, 'D', "31/12/52"},
-      {__LINE__, "mdy/", "my/", 0, ':', 18262.0, 'D', "12/31/99"},
-      {__LINE__, "mdy/", "my/", 0, ':', 18263.0, 'D', "1/1/00"},   // year 100 kept modulo 100
-      {__LINE__, "mdy/", "my/", 0, ':', 18322.0, 'D', "2/29/00"},
-      {__LINE__, "mdy/", "my/", 0, ':', 18323.0, 'D', "3/1/00"},
+      {__LINE__, "mdy/", "my/", 0, ':', 18263.0, 'D', "1/1/00"},  // 'y' pads as well
       // 'M': month number 1 is January 1950; 'M' and the year "%2d".
       {__LINE__, "mdy/", "my/", 0, ':', 1.0, 'M', "1/50"},
       {__LINE__, "mdy/", "MY/", 0, ':', 1.0, 'M', " 1/50"},

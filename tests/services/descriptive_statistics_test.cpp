@@ -28,8 +28,8 @@ class Summary : public zvtest::ModuleFixture {
                               const int32_t* flags = zv::kAllStatistics) {
     std::vector<double> results(zv::kStatisticsRecordSize, 0.0);
     state_->orderReady = 0;
-    zv::ComputeSummary(values.data(), static_cast<int32_t>(values.size()), flags,
-                       results.data(), 0);
+    zv::ComputeSummary(values.data(), static_cast<int32_t>(values.size()), flags, results.data(),
+                       0);
     return results;
   }
   zv::ProcedureState* state_ = nullptr;
@@ -196,6 +196,17 @@ TEST_F(Summary, EdgeCases) {
     EXPECT_EQ(r[zv::kStatSkewness], m);
   }
   {
+    // Skewness from three values, kurtosis from four. 1, 2, 4: mean 7/3,
+    // deviations -4/3, -1/3, 5/3, s3 = 60/27, variance 7/3, so the skewness
+    // is 3 s3 / (1 x 2 x variance x sd) = 10 / (7 sqrt(7/3)).
+    SCOPED_TRACE("two and three values");
+    EXPECT_EQ(Compute({1.0, 2.0})[zv::kStatSkewness], m);
+    const std::vector<double> r = Compute({1.0, 2.0, 4.0});
+    EXPECT_NEAR(r[zv::kStatSkewness], 10 / (7 * std::sqrt(7.0 / 3)), 1e-15);
+    EXPECT_EQ(r[zv::kStatKurtosis], m);
+    EXPECT_EQ(r[zv::kStatStandardizedKurtosis], m);
+  }
+  {
     SCOPED_TRACE("mean 0 and a zero value");
     const std::vector<double> r = Compute({-1.0, 0.0, 1.0});
     EXPECT_EQ(r[zv::kStatCoefficientOfVariation], m);
@@ -216,6 +227,8 @@ TEST_F(Summary, EdgeCases) {
     }
     EXPECT_EQ(state_->orderReady, 0) << "no order statistic asked for: no sort";
   }
+  // A geometric mean past the guarded range.
+  EXPECT_THROW(Compute({1e100, 1e100}), zv::SilentAbort);
 }
 
 TEST_F(Summary, WithoutMemoryForTheOrderTheOrderResultsStayMissing) {
@@ -229,42 +242,26 @@ TEST_F(Summary, WithoutMemoryForTheOrderTheOrderResultsStayMissing) {
   }
 }
 
-TEST_F(Summary, GeometricMeanPastTheGuardedRangeAbortsSilently) {
-  EXPECT_THROW(Compute({1e100, 1e100}), zv::SilentAbort);
-}
-
-// The bins are open below and closed above.
-TEST(CountBins, ClassesOpenBelowClosedAbove) {
-  const std::vector<double> values{0, 0.5, 1, 1.5, 2, 2.5, 3, m, -1, 4};
-  int32_t counts[3] = {9, 9, 9};
-  int32_t below = 9, above = 9;
-  zv::CountBins(values.data(), static_cast<int32_t>(values.size()), counts, &below, &above, 0.0,
-                3.0, 3);
-  EXPECT_EQ(counts[0], 2);  // 0.5, 1
-  EXPECT_EQ(counts[1], 2);  // 1.5, 2
-  EXPECT_EQ(counts[2], 2);  // 2.5, 3
-  EXPECT_EQ(below, 2);      // -1, and 0 at the lower limit
-  EXPECT_EQ(above, 1);      // 4
-}
-
-// Against the rule read literally (the first bin whose upper edge
-// lower + (j + 1) w is at least the value), on values that sit on the edges
-// as computed, and on random values.
+// Bins are open below and closed above. Against the rule read literally (the
+// first bin whose upper edge lower + (j + 1) w is at least the value; missing
+// values not counted), on the limits, on values that sit on the edges as
+// computed, and on random values.
 TEST(CountBins, EdgesAsComputed) {
   struct Row {
     int line;
     double lower, upper;
     int32_t bins;
   };
-  constexpr Row kRows[] = {
-      {__LINE__, 0.0, 0.3, 3}, {__LINE__, 0.1, 0.7, 7}, {__LINE__, -4.7, 1.8, 25},
-      {__LINE__, 0.401, 3.719, 2},  // 0.401 + 2 w = 3.7189999999999994 < upper
-  };
+  // In the last row 0.401 + 2 w = 3.7189999999999994 < upper.
+  constexpr Row kRows[] = {{__LINE__, 0.0, 0.3, 3},
+                           {__LINE__, 0.1, 0.7, 7},
+                           {__LINE__, -4.7, 1.8, 25},
+                           {__LINE__, 0.401, 3.719, 2}};
   std::mt19937 random(3);
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.line);
     const double w = (row.upper - row.lower) / row.bins;
-    std::vector<double> values{row.upper};
+    std::vector<double> values{row.upper, row.lower, m};
     for (int32_t j = 0; j < row.bins; ++j) {
       values.push_back(row.lower + (j + 1) * w);
       values.push_back(std::nextafter(row.lower + (j + 1) * w, 1e300));
@@ -275,6 +272,7 @@ TEST(CountBins, EdgesAsComputed) {
     std::vector<int32_t> expected(static_cast<size_t>(row.bins), 0);
     int32_t expectedBelow = 0, expectedAbove = 0;
     for (double v : values) {
+      if (v == m) continue;
       if (v <= row.lower) {
         ++expectedBelow;
       } else if (v > row.upper) {
@@ -287,8 +285,8 @@ TEST(CountBins, EdgesAsComputed) {
     }
     std::vector<int32_t> counts(static_cast<size_t>(row.bins), -1);
     int32_t below = -1, above = -1;
-    zv::CountBins(values.data(), static_cast<int32_t>(values.size()), counts.data(), &below,
-                  &above, row.lower, row.upper, row.bins);
+    zv::CountBins(values.data(), static_cast<int32_t>(values.size()), counts.data(), &below, &above,
+                  row.lower, row.upper, row.bins);
     EXPECT_EQ(counts, expected);
     EXPECT_EQ(below, expectedBelow);
     EXPECT_EQ(above, expectedAbove);

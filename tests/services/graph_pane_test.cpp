@@ -220,14 +220,11 @@ TEST_F(GraphPaneTest, TheAddedCaptionShowsOnceAtTheTop) {
   const auto& item = second.textItems.back();
   EXPECT_EQ(item.kind, 0);
   // Style words of text kind 19, the Host's flag, then 4.
-  EXPECT_EQ(item.words[0], paneRecord->textStyleK[18]);
-  EXPECT_EQ(item.words[1], paneRecord->textStyleL[18]);
-  EXPECT_EQ(item.words[2], paneRecord->textStyleM[18]);
-  EXPECT_EQ(item.words[3], 3);
-  EXPECT_EQ(item.words[4], 4);
-  EXPECT_NEAR(item.strings[0].x, 0.5, 1e-12);
-  EXPECT_NEAR(item.strings[0].y, 1.05, 1e-12);
-  EXPECT_NEAR(item.strings[0].z, 1.05, 1e-12);
+  EXPECT_EQ((std::vector<int32_t>(item.words.begin(), item.words.begin() + 5)),
+            (std::vector<int32_t>{paneRecord->textStyleK[18], paneRecord->textStyleL[18],
+                                  paneRecord->textStyleM[18], 3, 4}));
+  EXPECT_EQ((std::vector<double>{item.strings[0].x, item.strings[0].y, item.strings[0].z}),
+            (std::vector<double>{0.5, 1.05, 1.05}));
   // The next build does not place it again.
   EXPECT_EQ(countDrafts(Build(0)), 1);
 }

@@ -29,10 +29,6 @@ class VariablesTest : public ModuleFixture {
     ModuleFixture::SetUp();
     LoadSheet(kSheet);
   }
-  std::vector<double> Values(const zv::VariableBinding& b, int n) {
-    zv::LockedBlock<double> block(b.data);
-    return std::vector<double>(block.get(), block.get() + n);
-  }
 };
 
 TEST_F(VariablesTest, NamesInAnyFormResolveToTheColumn) {
@@ -50,7 +46,7 @@ TEST_F(VariablesTest, NamesInAnyFormResolveToTheColumn) {
     SCOPED_TRACE(r.line);
     SetExpression(state, 0, r.text);
     ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
-    EXPECT_EQ(Values(state.bindings[0], 4), (std::vector<double>{60, 70, kMissingValue, 80}));
+    EXPECT_EQ(Block<double>(state, 0, 4), (std::vector<double>{60, 70, kMissingValue, 80}));
     EXPECT_EQ(state.bindings[0].count, 3);
     EXPECT_EQ(state.bindings[0].minimum, 60);
     EXPECT_EQ(state.bindings[0].maximum, 80);
@@ -61,11 +57,11 @@ TEST_F(VariablesTest, ExpressionsGoToTheEvaluatorAndTakeRowCountRows) {
   zv::ProcedureState& state = NewState(0);
   SetExpression(state, 0, "Weight + 1");
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
-  EXPECT_EQ(Values(state.bindings[0], 4), (std::vector<double>{61, 71, kMissingValue, 81}));
+  EXPECT_EQ(Block<double>(state, 0, 4), (std::vector<double>{61, 71, kMissingValue, 81}));
   // A state with more rows than the sheet pads with missing values.
   state.rowCount = 6;
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
-  EXPECT_EQ(Values(state.bindings[0], 6)[5], kMissingValue);
+  EXPECT_EQ(Block<double>(state, 0, 6)[5], kMissingValue);
   // Fewer rows: only the first rowCount values.
   state.rowCount = 2;
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
@@ -81,7 +77,7 @@ TEST_F(VariablesTest, SelectBlanksTextRowsAndDropsNumericRowsOnZeroOnly) {
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[0]), 1);
   ASSERT_EQ(zv::LoadVariable(0, &state.bindings[1]), 1);
   // Keep is 1, 0, 1, missing: row 2 goes; the missing select keeps row 4.
-  EXPECT_EQ(Values(state.bindings[0], 4), (std::vector<double>{150, kMissingValue, 170, 180}));
+  EXPECT_EQ(Block<double>(state, 0, 4), (std::vector<double>{150, kMissingValue, 170, 180}));
   EXPECT_EQ(state.bindings[0].count, 3);
   const zv::VariableBinding& names = state.bindings[1];
   EXPECT_EQ(names.type, 'C');
@@ -172,10 +168,6 @@ TEST(TextServices, TrimStripAndNameRules) {
     EXPECT_EQ(zv::IsValidColumnName(r.name), r.valid);
   }
 }
-
-}  // namespace
-
-namespace {
 
 // The one size guard of every block: at least one byte, nothing that a
 // block cannot hold, and no product that wraps.

@@ -37,6 +37,12 @@ double WorstError(double from, double to, double step, Ours ours, Ref ref, bool 
   return worst;
 }
 
+// Degrees of freedom with the largest error measured over a grid.
+struct DfRow {
+  int line;
+  double df, tolerance;
+};
+
 struct Pin {
   int line;
   double value, expected;
@@ -66,15 +72,6 @@ TEST(NormalCdf, AgainstBoost) {
   EXPECT_NEAR(NormalCdf(1.96), bm::cdf(n, 1.96), 1.6e-7);
 }
 
-TEST(NormalCdf, HandValues) {
-  // z = 1: e = exp(-0.5), u = 1.231642,
-  // q = e (0.1274147063/u - 0.1422482683/u^2 + 0.7107071942/u^3
-  //        - 0.7265771069/u^4 + 0.5307005743/u^5) = 0.1586545782..., P = 1 - q.
-  // z = -2.5: u = 1.579105, q = 0.0062096632646..., P = q.
-  ExpectPins({{__LINE__, NormalCdf(1.0), 0.8413454217995022},
-              {__LINE__, NormalCdf(-2.5), 0.006209663264642118}});
-}
-
 TEST(NormalQuantile, ReservedValuesAndDomain) {
   EXPECT_EQ(NormalQuantile(0.5), 0.0);
   EXPECT_EQ(NormalQuantile(1.0), 1e200);
@@ -94,13 +91,32 @@ TEST(NormalQuantile, AgainstBoost) {
   EXPECT_NEAR(NormalQuantile(1e-12), bm::quantile(n, 1e-12), 1.4e-5);
 }
 
-TEST(NormalQuantile, HandValues) {
-  // p = 0.975: x = sqrt(-2 ln 0.025) = 2.7162030314...,
-  // z = x - (0.322232 + x + 0.342241 x^2 + 0.020423 x^3 + 0.000045 x^4)
-  //       / (0.099348 + 0.588582 x + 0.531103 x^2 + 0.103538 x^3 + 0.003856 x^4).
-  // p = 0.1: the same with x = sqrt(-2 ln 0.1), negated.
-  ExpectPins({{__LINE__, NormalQuantile(0.975), 1.9599677356273535},
-              {__LINE__, NormalQuantile(0.1), -1.2815543589500842}});
+// Values worked out by hand from the formulas.
+// NormalCdf, z = 1: e = exp(-0.5), u = 1.231642,
+// q = e (0.1274147063/u - 0.1422482683/u^2 + 0.7107071942/u^3
+//        - 0.7265771069/u^4 + 0.5307005743/u^5) = 0.1586545782..., P = 1 - q.
+// z = -2.5: u = 1.579105, q = 0.0062096632646..., P = q.
+// NormalQuantile, p = 0.975: x = sqrt(-2 ln 0.025) = 2.7162030314...,
+// z = x - (0.322232 + x + 0.342241 x^2 + 0.020423 x^3 + 0.000045 x^4)
+//       / (0.099348 + 0.588582 x + 0.531103 x^2 + 0.103538 x^3 + 0.003856 x^4).
+// p = 0.1: the same with x = sqrt(-2 ln 0.1), negated.
+// LogGamma, y = x - 1: (y + 0.5) ln y + 0.91893854 - y + 1/(12 y) - 1/(360 y^3)
+// + 1/(1260 y^5) - 1/(1680 y^7); y = 4 and y = 9.5.
+// IncompleteBeta, x = 0.3, a = 2, b = 3: n = 2, S1 = ln 4 + ln 3, S3 = ln 3 + ln 2,
+// S2 = ln 2 + ln 1, S4 = 3/(4 0.7) + 6/(12 0.49); bb = 1, s = 1.
+// x = 0.7 reflects to x' = 0.3, a = 1.5, b = 2.5; x = 0.2 keeps a = 1.5,
+// b = 4.5 (series to its 1e-6 stop).
+TEST(SpecialFunctions, HandValues) {
+  ExpectPins({{__LINE__, NormalCdf(1.0), 0.8413454217995022},
+              {__LINE__, NormalCdf(-2.5), 0.006209663264642118},
+              {__LINE__, NormalQuantile(0.975), 1.9599677356273535},
+              {__LINE__, NormalQuantile(0.1), -1.2815543589500842},
+              {__LINE__, LogGamma(5.0), 3.1780538343142166},
+              {__LINE__, LogGamma(10.5), 13.940625226197788},
+              {__LINE__, IncompleteBeta(0.3, 2, 3), 0.3482996191599478},
+              {__LINE__, IncompleteBeta(0.7, 2.5, 1.5), 0.5843122266715739},
+              {__LINE__, IncompleteBeta(0.2, 1.5, 4.5), 0.45069543181812705}});
+  EXPECT_THROW(LogGamma(0), SilentAbort);  // ln of the MissingValue of GammaFunction(0)
 }
 
 TEST(StudentCdf, SwitchesToNormalAbove1000) {
@@ -111,14 +127,10 @@ TEST(StudentCdf, SwitchesToNormalAbove1000) {
 
 TEST(StudentCdf, AgainstBoost) {
   // Measured maximum absolute error: 7.4e-7 (df 4), below 1e-8 from df 10.
-  struct Row {
-    int line;
-    double df, tolerance;
-  };
-  constexpr Row kRows[] = {{__LINE__, 1, 3e-7},    {__LINE__, 2, 2e-7},    {__LINE__, 3, 3e-7},
-                           {__LINE__, 4, 8e-7},    {__LINE__, 7, 3e-7},    {__LINE__, 10, 1e-8},
-                           {__LINE__, 100, 1e-12}, {__LINE__, 1000, 2e-12}};
-  for (const Row& r : kRows) {
+  constexpr DfRow kRows[] = {{__LINE__, 1, 3e-7},    {__LINE__, 2, 2e-7},    {__LINE__, 3, 3e-7},
+                             {__LINE__, 4, 8e-7},    {__LINE__, 7, 3e-7},    {__LINE__, 10, 1e-8},
+                             {__LINE__, 100, 1e-12}, {__LINE__, 1000, 2e-12}};
+  for (const DfRow& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::students_t t(r.df);
     EXPECT_LT(WorstError(
@@ -148,14 +160,10 @@ TEST(StudentQuantile, ReservedValuesAndBranches) {
 TEST(StudentQuantile, AgainstBoost) {
   // Measured maximum error relative to max(1, |t|): 1.5e-5 (df 3), 5.5e-6
   // (df 5), 2.8e-6 from df 10 on; 3e-9 for the cotangent of df 1.
-  struct Row {
-    int line;
-    double df, tolerance;
-  };
-  constexpr Row kRows[] = {{__LINE__, 1, 4e-9},   {__LINE__, 2, 1e-13}, {__LINE__, 3, 1.6e-5},
-                           {__LINE__, 5, 6e-6},   {__LINE__, 10, 3e-6}, {__LINE__, 100, 3e-6},
-                           {__LINE__, 1000, 3e-6}};
-  for (const Row& r : kRows) {
+  constexpr DfRow kRows[] = {{__LINE__, 1, 4e-9},   {__LINE__, 2, 1e-13}, {__LINE__, 3, 1.6e-5},
+                             {__LINE__, 5, 6e-6},   {__LINE__, 10, 3e-6}, {__LINE__, 100, 3e-6},
+                             {__LINE__, 1000, 3e-6}};
+  for (const DfRow& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::students_t t(r.df);
     EXPECT_LT(WorstError(
@@ -190,14 +198,6 @@ TEST(GammaFunction, AgainstBoost) {
   EXPECT_LT(WorstError(10, 100, 0.1, LogGamma, [](double x) { return bm::lgamma(x); }), 7e-9);
 }
 
-TEST(LogGamma, HandValues) {
-  // y = x - 1: (y + 0.5) ln y + 0.91893854 - y + 1/(12 y) - 1/(360 y^3)
-  // + 1/(1260 y^5) - 1/(1680 y^7); y = 4 and y = 9.5.
-  ExpectPins({{__LINE__, LogGamma(5.0), 3.1780538343142166},
-              {__LINE__, LogGamma(10.5), 13.940625226197788}});
-  EXPECT_THROW(LogGamma(0), SilentAbort);  // ln of the MissingValue of GammaFunction(0)
-}
-
 TEST(IncompleteBeta, LimitsAndWholeB) {
   EXPECT_EQ(IncompleteBeta(0, 2, 3), 0.0);
   EXPECT_EQ(IncompleteBeta(-1, 2, 3), 0.0);
@@ -205,16 +205,6 @@ TEST(IncompleteBeta, LimitsAndWholeB) {
   // A whole b leaves bb = 1: the series stops after one pass with s = 1.
   // I_x(a, 1) = x^a.
   EXPECT_NEAR(IncompleteBeta(0.3, 2.5, 1), std::pow(0.3, 2.5), 1e-6);
-}
-
-TEST(IncompleteBeta, HandValues) {
-  // x = 0.3, a = 2, b = 3: n = 2, S1 = ln 4 + ln 3, S3 = ln 3 + ln 2,
-  // S2 = ln 2 + ln 1, S4 = 3/(4 0.7) + 6/(12 0.49); bb = 1, s = 1.
-  // x = 0.7 reflects to x' = 0.3, a = 1.5, b = 2.5; x = 0.2 keeps a = 1.5,
-  // b = 4.5 (series to its 1e-6 stop).
-  ExpectPins({{__LINE__, IncompleteBeta(0.3, 2, 3), 0.3482996191599478},
-              {__LINE__, IncompleteBeta(0.7, 2.5, 1.5), 0.5843122266715739},
-              {__LINE__, IncompleteBeta(0.2, 1.5, 4.5), 0.45069543181812705}});
 }
 
 TEST(IncompleteBeta, AgainstBoost) {
@@ -251,14 +241,11 @@ TEST(ChiSquareCdf, BranchSwitches) {
 TEST(ChiSquareCdf, AgainstBoost) {
   // Measured maximum absolute error: 3.7e-6 for df 1 and 3, below 3.1e-7 for
   // other df under 100, 1.1e-4 at 100 (Wilson-Hilferty), 2.3e-5 at 500.
-  struct Row {
-    int line;
-    double df, tolerance;
-  };
-  constexpr Row kRows[] = {{__LINE__, 1, 3.8e-6}, {__LINE__, 2, 1e-15},    {__LINE__, 3, 3.8e-6},
-                           {__LINE__, 5, 1.5e-7}, {__LINE__, 10, 3.1e-7},  {__LINE__, 25, 1.5e-7},
-                           {__LINE__, 99, 1e-8},  {__LINE__, 100, 1.2e-4}, {__LINE__, 500, 2.4e-5}};
-  for (const Row& r : kRows) {
+  constexpr DfRow kRows[] = {
+      {__LINE__, 1, 3.8e-6}, {__LINE__, 2, 1e-15},    {__LINE__, 3, 3.8e-6},
+      {__LINE__, 5, 1.5e-7}, {__LINE__, 10, 3.1e-7},  {__LINE__, 25, 1.5e-7},
+      {__LINE__, 99, 1e-8},  {__LINE__, 100, 1.2e-4}, {__LINE__, 500, 2.4e-5}};
+  for (const DfRow& r : kRows) {
     SCOPED_TRACE(r.line);
     const bm::chi_squared c(r.df);
     EXPECT_LT(WorstError(
@@ -344,12 +331,6 @@ TEST(BetaQuantile, AgainstBoost) {
   }
 }
 
-}  // namespace
-}  // namespace zv
-
-namespace zv {
-namespace {
-
 // Poles, shapes and degrees of freedom outside the domain, and the ends of
 // the quantiles: MissingValue, SilentAbort or the reserved values, at once.
 TEST(SpecialFunctions, OutOfDomainEndsAtOnce) {
@@ -395,23 +376,9 @@ TEST(SpecialFunctions, OutOfDomainEndsAtOnce) {
 // 1e308), GammaFunction(4.9e-324), ...).
 TEST(SpecialFunctions, ExtremeArgumentsGiveNumbersOrAbort) {
   const double inf = std::numeric_limits<double>::infinity();
-  const double kValues[] = {std::numeric_limits<double>::quiet_NaN(),
-                            -inf,
-                            -1e308,
-                            -1e15,
-                            -2.5,
-                            -1,
-                            0,
-                            4.9e-324,
-                            1e-300,
-                            0.5,
-                            1,
-                            2.5,
-                            7.5,
-                            150,
-                            1e15,
-                            1e308,
-                            inf};
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double kValues[] = {nan, -inf, -1e308, -1e15, -2.5, -1,   0,     4.9e-324, 1e-300,
+                            0.5, 1,    2.5,    7.5,   150,  1e15, 1e308, inf};
   double (*const kCalls[])(double, double, double) = {
       [](double a, double, double) { return NormalCdf(a); },
       [](double a, double, double) { return NormalQuantile(a); },

@@ -14,12 +14,8 @@
 namespace zvtest {
 namespace {
 
-void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {
-  ++ModuleFixture::refreshCalls;
-}
-void Modified(zv::HostRecord*, int32_t) {
-  ++ModuleFixture::modifiedCalls;
-}
+void Refresh(zv::ProcedureState*, int32_t, int32_t, int32_t) {}
+void Modified(zv::HostRecord*, int32_t) {}
 void Wait(zv::HostHelpRecord*, int32_t) {}
 void Drop(zv::HostView*, int32_t) {
   ++ModuleFixture::dropCalls;
@@ -82,8 +78,6 @@ const FamilyEntries& EntriesOf(const zv::FamilyInfo& family) {
 
 }  // namespace
 
-int ModuleFixture::refreshCalls = 0;
-int ModuleFixture::modifiedCalls = 0;
 int ModuleFixture::dropCalls = 0;
 
 void ModuleFixture::SetUp() {
@@ -111,7 +105,7 @@ void ModuleFixture::SetUp() {
   zv::gHost = host.get();
   zv::gSheetWindow = sheet.get();
   zv::gFrameWindow = frame.get();
-  refreshCalls = modifiedCalls = dropCalls = 0;
+  dropCalls = 0;
   IsKeel4Loaded(help.get(), advice.data(), 0);
   WinClearMessageBoxLog();
   WinClearMissingStrings();

@@ -79,9 +79,7 @@ class ModuleFixture : public ::testing::Test {
   std::unique_ptr<ScriptedDialogDriver> driver;
 
  public:
-  // Calls the Host's virtual operations made.
-  static int refreshCalls;
-  static int modifiedCalls;
+  // Calls the module made to the Host view's drop operation.
   static int dropCalls;
 };
 

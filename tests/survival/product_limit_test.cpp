@@ -114,14 +114,26 @@ TEST(ProductLimit, LastObservationFailed) {
   EXPECT_NEAR(MeanErrorSweep(g, e.survival), std::sqrt(125.0 / 108), 1e-15);
 }
 
-// A failure and a withdrawal at one time: the failure stands first and both
-// carry the survival after the failure.
-TEST(ProductLimit, FailureAndWithdrawalAtOneTime) {
-  const Group g({4, 4, 9}, {0, 1, 0});
-  const Estimates e = Estimate(g);
-  EXPECT_DOUBLE_EQ(e.survival[0], 2.0 / 3);
-  EXPECT_DOUBLE_EQ(e.survival[1], 2.0 / 3);
-  EXPECT_EQ(e.survival[2], 0.0);
+// Rows at one time carry the estimates after the whole tie. A failure and a
+// withdrawal at 4: the failure stands first, both at 2/3. Tied failures at
+// the end, 2, 5, 5: 2/3, then 1/3 and 0 by row, both 0 after the tie, with the
+// error 0 as well (Greenwood sum 1/6 + 1/2, times a survival of 0).
+TEST(ProductLimit, TiesCarryTheEstimatesAfterTheTie) {
+  struct Row {
+    int line;
+    Group g;
+    std::vector<double> survival, error;
+  };
+  const Row kRows[] = {
+      {__LINE__, Group({4, 4, 9}, {0, 1, 0}), {2.0 / 3, 2.0 / 3, 0}, {}},
+      {__LINE__, Group({2, 5, 5}, {0, 0, 0}), {2.0 / 3, 0, 0}, {std::sqrt(1.0 / 6) * 2 / 3, 0, 0}},
+  };
+  for (const Row& r : kRows) {
+    SCOPED_TRACE(r.line);
+    const Estimates e = Estimate(r.g);
+    for (size_t k = 0; k < r.survival.size(); ++k) EXPECT_NEAR(e.survival[k], r.survival[k], 1e-15);
+    for (size_t k = 0; k < r.error.size(); ++k) EXPECT_NEAR(e.error[k], r.error[k], 1e-15);
+  }
 }
 
 // A negative censoring value is a failure in the estimates, but not in the
@@ -138,33 +150,27 @@ TEST(ProductLimit, NegativeCensoringValue) {
   EXPECT_NEAR(MeanErrorSweep(g, e.survival), 8.0 / 3, 1e-14);
 }
 
-TEST(ProductLimit, SingleRows) {
+// One row, or withdrawals only: the survival stays where it is (0 after a
+// single failure), the mean is the last time, the error 0.
+TEST(ProductLimit, SingleRowsAndWithdrawalsOnly) {
   struct Row {
     int line;
-    double censor;
-    double mean, error;
+    Group g;
+    double survival, mean;
   };
   const Row kRows[] = {
-      {__LINE__, 0, 7.0, 0.0},  // one failure: mean its time, error 0
-      {__LINE__, 1, 7.0, 0.0},  // one withdrawal: the area runs to its time
+      {__LINE__, Group({7}, {0}), 0.0, 7.0},
+      {__LINE__, Group({7}, {1}), 1.0, 7.0},
+      {__LINE__, Group({3, 5, 9}, {1, 1, 1}), 1.0, 9.0},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);
-    const Group g({7}, {r.censor});
-    const Estimates e = Estimate(g);
+    const Estimates e = Estimate(r.g);
+    for (double s : e.survival) EXPECT_EQ(s, r.survival);
     EXPECT_EQ(e.mean, r.mean);
-    EXPECT_EQ(MeanSurvivalErrorDirect(g.View(), e.survival.data()), r.error);
-    EXPECT_EQ(MeanErrorSweep(g, e.survival), r.error);
+    EXPECT_EQ(MeanSurvivalErrorDirect(r.g.View(), e.survival.data()), 0.0);
+    EXPECT_EQ(MeanErrorSweep(r.g, e.survival), 0.0);
   }
-}
-
-// A group of withdrawals only: no estimate moves, the mean is the last time.
-TEST(ProductLimit, WithdrawalsOnly) {
-  const Group g({3, 5, 9}, {1, 1, 1});
-  const Estimates e = Estimate(g);
-  for (double s : e.survival) EXPECT_EQ(s, 1.0);
-  EXPECT_EQ(e.mean, 9.0);
-  EXPECT_EQ(MeanSurvivalErrorDirect(g.View(), e.survival.data()), 0.0);
 }
 
 // Percentiles of the hand-worked group: survival 5/6, 1/2, 1/2, (1/2), 1/4,
