@@ -187,7 +187,9 @@ std::string Life2PercentileText(int32_t slot) {
           "                              Standard\r\n"
           "Percentile     Estimate       Error \r\n");
       text.append(kPercentileRule).append(kEnd);
-      const SurvivalGroup group = c.Group(start, g);
+      // The percentiles walk the group once each.
+      const GatheredGroup gathered(c.Group(start, g));
+      const SurvivalGroup& group = gathered.view();
       for (uint32_t slotIndex = 0; slotIndex < kPercentileSlots; ++slotIndex) {
         const double percentile = Get(state, kPercentiles, slotIndex);
         if (percentile == 0.0) continue;

@@ -1,5 +1,7 @@
 #include "survival/product_limit.h"
 
+#include <new>
+
 #include "frame/host_records.h"
 #include "stats/guarded_math.h"
 
@@ -34,6 +36,23 @@ double FinishMeanError(double v, bool lastCensored, int32_t failures) {
 }
 
 }  // namespace
+
+GatheredGroup::GatheredGroup(const SurvivalGroup& group) : view_(group) {
+  const size_t count = group.count > 0 ? static_cast<size_t>(group.count) : 0;
+  const size_t columns = group.censor != nullptr ? 2 : 1;
+  positions_.reset(new (std::nothrow) int32_t[count]);
+  values_.reset(new (std::nothrow) double[columns * count]);
+  if (positions_ == nullptr || values_ == nullptr) return;
+  double* time = values_.get();
+  double* censor = group.censor != nullptr ? time + count : nullptr;
+  for (size_t k = 0; k < count; ++k) {
+    const int32_t row = group.rows[k];
+    positions_[k] = static_cast<int32_t>(k);
+    time[k] = group.time[row];
+    if (censor != nullptr) censor[k] = group.censor[row];
+  }
+  view_ = {positions_.get(), group.count, time, censor};
+}
 
 double EstimateProductLimit(const SurvivalGroup& g, const ProductLimitColumns& out) {
   const int32_t n = g.count;
