@@ -54,7 +54,10 @@ GatheredGroup::GatheredGroup(const SurvivalGroup& group) : view_(group) {
   view_ = {positions_.get(), group.count, time, censor};
 }
 
-double EstimateProductLimit(const SurvivalGroup& g, const ProductLimitColumns& out) {
+double EstimateProductLimit(const SurvivalGroup& group, const ProductLimitColumns& out) {
+  // Two passes over the times and one over the kinds: gathered once.
+  const GatheredGroup gathered(group);
+  const SurvivalGroup& g = gathered.view();
   const int32_t n = g.count;
   double varianceSum = 0.0;
   double prevTime = 0.0;
@@ -136,7 +139,9 @@ double MeanSurvivalErrorDirect(const SurvivalGroup& g, const double* survival) {
 // gives them and one backward pass their suffix sums; the row loop is then
 // the direct one with the area looked up. Times ascend within the group, so
 // "a later row has the same time" is a look at the next row.
-double MeanSurvivalErrorSweep(const SurvivalGroup& g, const double* survival, double* scratch) {
+double MeanSurvivalErrorSweep(const SurvivalGroup& group, const double* survival, double* scratch) {
+  const GatheredGroup gathered(group);
+  const SurvivalGroup& g = gathered.view();
   const int32_t n = g.count;
   if (n == 0) return FinishMeanError(0.0, false, 0);
   double prevTime = 0.0;
