@@ -67,6 +67,19 @@ void BM_FormatFixed(benchmark::State& state) {
 }
 BENCHMARK(BM_FormatFixed);
 
+// The trimmed form of the estimate columns, which takes the short path.
+void BM_FormatFixedTrimmed(benchmark::State& state) {
+  const std::vector<double> values = Column(4096, 0);
+  char buffer[32];
+  size_t i = 0;
+  for (auto _ : state) {
+    zv::FormatFixedTrimmed(buffer, values[i++ & 4095], 15, 4);
+    benchmark::DoNotOptimize(buffer);
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_FormatFixedTrimmed);
+
 // Argument 0: the values; argument 1: the ties flag (with whole values, so
 // that long runs of ties occur).
 void BM_SortOrderNumeric(benchmark::State& state) {
@@ -98,6 +111,9 @@ void BM_ComputeSummary(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(BM_ComputeSummary)->RangeMultiplier(10)->Range(1000, 1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ComputeSummary)
+    ->RangeMultiplier(10)
+    ->Range(1000, 1000000)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The product-limit procedure on large sheets: Begin (loading the three
-// columns and the whole computation) plus all six panes, and the two passes
+// columns and the whole computation) plus all six panes, pane 1 alone, the
+// row order by radix and by comparison sort, and the two passes
 // whose direct forms grow with the square of the data, and Life2 with many
 // groups.
 #include <benchmark/benchmark.h>
@@ -18,6 +19,7 @@
 #include "survival/group_tests.h"
 #include "survival/life2.h"
 #include "survival/product_limit.h"
+#include "survival/survival_order.h"
 #include "zvgrid/sheet.h"
 #include "zvgrid/zvgrid.h"
 
@@ -69,6 +71,46 @@ void BM_Life2BeginAndPanes(benchmark::State& bench) {
 BENCHMARK(BM_Life2BeginAndPanes)
     ->RangeMultiplier(10)
     ->Range(10'000, 1'000'000)
+    ->Unit(benchmark::kMillisecond);
+
+// Pane 1 alone (the estimates of every row), on an analysis already run.
+void BM_Life2SummaryText(benchmark::State& bench) {
+  Analysis analysis(static_cast<int32_t>(bench.range(0)));
+  Life2Begin(0, 0, 0);
+  for (auto _ : bench) {
+    benchmark::DoNotOptimize(zv::Life2SummaryText(0).size());
+  }
+  bench.SetItemsProcessed(bench.iterations() * bench.range(0));
+}
+BENCHMARK(BM_Life2SummaryText)
+    ->RangeMultiplier(10)
+    ->Range(10'000, 1'000'000)
+    ->Unit(benchmark::kMillisecond);
+
+// The survival row order of the trial sheet's columns in three groups.
+// Argument 1: 1 for the radix sort, 0 for the comparison sort.
+void BM_OrderSurvivalRows(benchmark::State& bench) {
+  const int32_t n = static_cast<int32_t>(bench.range(0));
+  std::mt19937_64 random(3);
+  std::vector<double> time(n), censor(n);
+  std::vector<int32_t> group(n);
+  for (int32_t i = 0; i < n; ++i) {
+    time[i] = std::ceil(std::exponential_distribution<double>(0.03)(random) * 100.0) / 100.0;
+    censor[i] = random() % 3 == 0 ? 1.0 : 0.0;
+    group[i] = static_cast<int32_t>(random() % 3);
+  }
+  std::vector<zv::SurvivalSortKey> keys(2 * static_cast<size_t>(n));
+  std::vector<int32_t> order(n);
+  zv::SurvivalSortKey* spare = bench.range(1) != 0 ? keys.data() + n : nullptr;
+  for (auto _ : bench) {
+    zv::OrderSurvivalRowsArrays(n, time.data(), censor.data(), group.data(), keys.data(),
+                                order.data(), spare);
+    benchmark::DoNotOptimize(order.data());
+  }
+  bench.SetItemsProcessed(bench.iterations() * n);
+}
+BENCHMARK(BM_OrderSurvivalRows)
+    ->ArgsProduct({{10'000, 100'000, 1'000'000}, {0, 1}})
     ->Unit(benchmark::kMillisecond);
 
 // The computation alone, on columns already loaded.

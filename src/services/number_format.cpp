@@ -18,17 +18,19 @@ namespace {
 // runtime's correctly rounded float-to-decimal conversion.
 int32_t SixDigits(double magnitude, char digits[6]) {
   char text[32];
-  const auto result = std::to_chars(text, text + sizeof text, magnitude,
-                                    std::chars_format::scientific, 5);
+  const auto result =
+      std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific, 5);
   // "d.ddddde+XX"
   digits[0] = text[0];
   std::memcpy(digits + 1, text + 2, 5);
   int32_t exponent = 0;
-  const char* e = text + 7;  // the 'e'
+  const char* e = text + 7;                      // the 'e'
   std::from_chars(e + 2, result.ptr, exponent);  // after the sign
   return (e[1] == '-' ? -exponent : exponent) + 1;
 }
 
+// Exact powers of ten, 10^0 to 10^11.
+constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11};
 // Writes the general form of `value` (no terminator) and returns its length.
 int32_t GeneralText(char* out, double value) {
   if (value == kMissingValue || !std::isfinite(value)) return 0;
@@ -41,7 +43,8 @@ int32_t GeneralText(char* out, double value) {
   }
   if (value < 0.0) *p++ = '-';
   char digits[6];
-  const int32_t e = SixDigits(std::fabs(value), digits);
+  int32_t e = ShortSixDigits(std::fabs(value), digits);
+  if (e == kNoShortDigits) e = SixDigits(std::fabs(value), digits);
   int32_t s = 6;
   while (s > 1 && digits[s - 1] == '0') --s;
 
@@ -86,6 +89,37 @@ double PowerOfTen(int32_t k) {
 
 }  // namespace
 
+// SixDigits without the decimal conversion, for 1e-6 <= magnitude < 1e6:
+// q = magnitude x 10^k in one rounded product (10^k exact), with k chosen so
+// that q has six places before the point. The product's error is at most
+// half a unit in the last place of q (below 1e-10), and rounding is
+// monotonic, so when 100000 < q < 999999.5 and q is at least 0.01 from a
+// half, the nearest whole number to q is the correctly rounded six digits
+// and k fixes the exponent. Any other value (q on 100000 itself after an
+// inexact product, or near a half) gives kNoShortDigits for the full
+// conversion. Report columns of times and estimates mostly take this path.
+int32_t ShortSixDigits(double magnitude, char digits[6]) {
+  if (!(magnitude >= 1e-6 && magnitude < 1e6)) return kNoShortDigits;
+  int32_t k = 0;
+  double q = magnitude;
+  while (q < 100000.0) {
+    if (++k > 11) return kNoShortDigits;
+    q = magnitude * kPowers[k];
+  }
+  // q == 100000 proves the exponent only when the product was exact, as it
+  // is for a whole magnitude times 10^k.
+  if (q == 100000.0 && magnitude != std::floor(magnitude)) return kNoShortDigits;
+  const double whole = std::floor(q + 0.5);
+  const double offset = q - whole;
+  if (whole > 999999.0 || offset > 0.49 || offset < -0.49) return kNoShortDigits;
+  uint32_t n = static_cast<uint32_t>(whole);
+  for (int32_t i = 5; i >= 0; --i) {
+    digits[i] = static_cast<char>('0' + n % 10);
+    n /= 10;
+  }
+  return 6 - k;
+}
+
 int32_t FormatNumber(char* buffer, double value, int32_t width) {
   char text[kNumberTextSize];
   int32_t length = GeneralText(text, value);
@@ -127,8 +161,9 @@ int32_t FormatDigits(double value, int32_t width, char* buffer, char fill) {
   }
   // The largest double has 309 digits.
   char digits[320];
-  const char* end = std::to_chars(digits, digits + sizeof digits, std::fabs(value),
-                                  std::chars_format::fixed, 0).ptr;
+  const char* end =
+      std::to_chars(digits, digits + sizeof digits, std::fabs(value), std::chars_format::fixed, 0)
+          .ptr;
   const int32_t count = static_cast<int32_t>(end - digits);
   if (count + 1 > width) {  // room for the digits and a sign
     Fill(buffer, width, fill);
@@ -207,7 +242,44 @@ void FormatFixed(char* buffer, double value, int32_t width, int32_t decimals) {
   buffer[width] = '\0';
 }
 
+// FormatFixedTrimmed for a value that fits its field with room to spare:
+// the same rounding of value x 10^decimals to a whole number, whose digits
+// are then placed directly instead of being moved about a right-aligned
+// field. False, with nothing written, for any other value.
+bool ShortFixedTrimmed(char* buffer, double value, int32_t width, int32_t decimals) {
+  if (decimals < 0 || decimals > 9 || value == kMissingValue || !(std::fabs(value) < 1e9)) {
+    return false;
+  }
+  if (std::fabs(value) <= 1e-12) value = 0.0;
+  double scaled = value * kPowers[decimals];
+  if (scaled != std::floor(scaled)) scaled = std::floor(scaled + 0.5);
+  const bool negative = scaled <= -1.0;
+  char digits[24];
+  const char* end =
+      std::to_chars(digits, digits + sizeof digits, static_cast<int64_t>(std::fabs(scaled))).ptr;
+  const int32_t count = static_cast<int32_t>(end - digits);
+  const int32_t wholeDigits = count > decimals ? count - decimals : 0;
+  const int32_t leading = wholeDigits == 0 && gLeadingZero ? 1 : 0;
+  const int32_t length = (negative ? 1 : 0) + wholeDigits + leading + 1 + decimals;
+  // Two places to spare keep clear of every case in which FormatFixed
+  // gives stars.
+  if (length > width - 2) return false;
+  char* p = buffer;
+  if (negative) *p++ = '-';
+  if (leading) *p++ = '0';
+  std::memcpy(p, digits, static_cast<size_t>(wholeDigits));
+  p += wholeDigits;
+  *p++ = gDecimalChar;
+  const int32_t zeros = decimals - (count - wholeDigits);
+  std::memset(p, '0', static_cast<size_t>(zeros));
+  std::memcpy(p + zeros, digits + wholeDigits, static_cast<size_t>(count - wholeDigits));
+  p += decimals;
+  *p = '\0';
+  return true;
+}
+
 void FormatFixedTrimmed(char* buffer, double value, int32_t width, int32_t decimals) {
+  if (ShortFixedTrimmed(buffer, value, width, decimals)) return;
   FormatFixed(buffer, value, width, decimals);
   const size_t length = std::strlen(buffer);
   size_t first = 0;

@@ -14,6 +14,13 @@ namespace zv {
 // the terminator, rounded up: a buffer of this size takes any width up to it.
 inline constexpr int32_t kNumberTextSize = 32;
 
+// The fast path of FormatNumber's six significant digits, for 1e-6 <=
+// magnitude < 1e6: the digits d1..d6 and the exponent e with magnitude =
+// 0.d1..d6 x 10^e, correctly rounded, or kNoShortDigits where it cannot
+// prove them cheaply and the full decimal conversion decides.
+inline constexpr int32_t kNoShortDigits = 1000;
+int32_t ShortSixDigits(double magnitude, char digits[6]);
+
 // Six significant digits: "0.05", "12.5", "100.0", "1.23457E6", "1.E7".
 // MissingValue (and a value that is not finite) gives an empty text, and so
 // does a text longer than `width`: a number is never cut. Returns the length.

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +18,38 @@ namespace zv {
 // FormatNumber at width 16, as the text of a sentence or a "name = value" line.
 std::string NumberText(double value);
 
-// The appending forms are inline: a table calls them for every cell.
+// The appending forms are inline: a table calls them for every cell. The
+// Put forms write the same text into a line buffer and return its end, for
+// tables that fill a row and append it whole.
+
+// A whole number left-justified in `width` characters, as "%-7d" prints it;
+// at most 20 characters beyond the padding.
+inline char* PutInt(char* out, int64_t value, int width) {
+  char* end = std::to_chars(out, out + 20, value).ptr;
+  while (end - out < width) *end++ = ' ';
+  return end;
+}
+
+// FormatNumberLeft: exactly `width` characters (`width` < kNumberTextSize).
+inline char* PutNumberLeft(char* out, double value, int32_t width) {
+  const int32_t length = FormatNumber(out, value, width);
+  std::memset(out + length, ' ', static_cast<size_t>(width - length));
+  return out + width;
+}
+
+// FormatFixedTrimmed at width 15 with 4 decimals, blank-padded to `pad`
+// characters (0: as it stands).
+inline char* PutFixed(char* out, double value, size_t pad) {
+  char buffer[kNumberTextSize];
+  FormatFixedTrimmed(buffer, value, 15, 4);
+  const size_t length = std::strlen(buffer);
+  std::memcpy(out, buffer, length);
+  if (length < pad) {
+    std::memset(out + length, ' ', pad - length);
+    return out + pad;
+  }
+  return out + length;
+}
 
 // NumberText appended to `text`.
 inline void AppendNumber(std::string& text, double value) {
@@ -25,30 +57,20 @@ inline void AppendNumber(std::string& text, double value) {
   text.append(buffer, static_cast<size_t>(FormatNumber(buffer, value, 16)));
 }
 
-// FormatNumberLeft: exactly `width` characters.
+// The Put forms appended to `text`; widths and pads up to kNumberTextSize.
 inline void AppendNumberLeft(std::string& text, double value, int32_t width) {
   char buffer[kNumberTextSize];
-  FormatNumberLeft(buffer, value, width);
-  text.append(buffer, static_cast<size_t>(width));
+  text.append(buffer, static_cast<size_t>(PutNumberLeft(buffer, value, width) - buffer));
 }
 
-// A whole number left-justified in `width` characters, as "%-7d" prints it.
 inline void AppendInt(std::string& text, int64_t value, int width) {
-  char buffer[24];
-  const char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-  const size_t length = static_cast<size_t>(end - buffer);
-  text.append(buffer, length);
-  if (length < static_cast<size_t>(width)) text.append(static_cast<size_t>(width) - length, ' ');
+  char buffer[kNumberTextSize + 24];
+  text.append(buffer, static_cast<size_t>(PutInt(buffer, value, width) - buffer));
 }
 
-// FormatFixedTrimmed at width 15 with 4 decimals, blank-padded to `pad`
-// characters (0: as it stands).
 inline void AppendFixed(std::string& text, double value, size_t pad) {
-  char buffer[kNumberTextSize];
-  FormatFixedTrimmed(buffer, value, 15, 4);
-  const std::string_view cell(buffer);
-  text.append(cell);
-  if (cell.size() < pad) text.append(pad - cell.size(), ' ');
+  char buffer[2 * kNumberTextSize];
+  text.append(buffer, static_cast<size_t>(PutFixed(buffer, value, pad) - buffer));
 }
 
 // The interpretation of a pane: the sentences opened by three blanks,

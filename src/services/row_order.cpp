@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <new>
 
 #include "frame/host_records.h"
 #include "frame/module_state.h"
 #include "services/movable_block.h"
+#include "services/radix_sort.h"
 #include "services/variables.h"
 
 namespace zv {
@@ -111,17 +114,28 @@ int32_t SortOrderNumeric(const double* values, int32_t slot, int32_t n, int32_t 
     for (int32_t i = 0; i < n; ++i) {
       items[i] = NumericItem{values[i], values[i] == kMissingValue, i};
     }
-    // During the sort MissingValue counts as one more than the greatest
-    // value, so missing rows come last. The key is kept as (missing, value):
-    // the same comparisons, and still right when the greatest value is so
-    // large that adding 1.0 does not change it.
-    HeapSortIndex(n, items.get(), [](const NumericItem& a, const NumericItem& b) {
-      if (a.missing || b.missing) return !a.missing && b.missing;
-      return a.value < b.value;
-    });
+    // With the ties pass the order is fixed (by value, missing last, equal
+    // values in row order), and a stable radix sort of the rows gives it
+    // in linear time; the heap sort stays as the fallback when its second
+    // buffer cannot be had.
+    std::unique_ptr<NumericItem[]> spare(ties ? new (std::nothrow) NumericItem[n] : nullptr);
+    if (spare != nullptr) {
+      RadixSortByKey(items.get(), spare.get(), static_cast<size_t>(n), [](const NumericItem& item) {
+        return item.missing ? ~uint64_t{0} : OrderedKey(item.value);
+      });
+    } else {
+      // During the sort MissingValue counts as one more than the greatest
+      // value, so missing rows come last. The key is kept as (missing,
+      // value): the same comparisons, and still right when the greatest
+      // value is so large that adding 1.0 does not change it.
+      HeapSortIndex(n, items.get(), [](const NumericItem& a, const NumericItem& b) {
+        if (a.missing || b.missing) return !a.missing && b.missing;
+        return a.value < b.value;
+      });
+    }
     LockedBlock<int32_t> order(state->order);
     for (int32_t i = 0; i < n; ++i) order[i] = items[i].row;
-    if (ties) {
+    if (ties && spare == nullptr) {
       OrderTies(order.get(), n, [values](int32_t a, int32_t b) {
         const bool ma = values[a] == kMissingValue, mb = values[b] == kMissingValue;
         return ma == mb && (ma || values[a] == values[b]);
@@ -162,8 +176,12 @@ int32_t CompareCells(std::string_view a, std::string_view b) {
 }
 
 std::string TextCell(const char* rows, int32_t width, int32_t row) {
-  if (rows == nullptr || width <= 0 || row < 0) return std::string();
-  return std::string(CellView(rows, width, row));
+  return std::string(TextCellView(rows, width, row));
+}
+
+std::string_view TextCellView(const char* rows, int32_t width, int32_t row) {
+  if (rows == nullptr || width <= 0 || row < 0) return std::string_view();
+  return CellView(rows, width, row);
 }
 
 }  // namespace zv

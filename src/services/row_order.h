@@ -26,5 +26,7 @@ int32_t CompareCells(std::string_view a, std::string_view b);
 // Row `row` of a block of fixed-width rows, up to a terminator if the row
 // holds one.
 std::string TextCell(const char* rows, int32_t width, int32_t row);
+// The same as a view into the block, for passes over every row.
+std::string_view TextCellView(const char* rows, int32_t width, int32_t row);
 
 }  // namespace zv

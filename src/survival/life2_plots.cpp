@@ -110,14 +110,15 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
   if (limits) {
     const double level = Get(state, kConfidenceLevel);
     const double z = NormalQuantile((level * -0.01 + 1.0) * -0.5 + 1.0);
-    const SurvivalGroup g = groupAt(0, 0);
+    const GatheredGroup gathered(groupAt(0, 0));
+    const SurvivalGroup& g = gathered.view();
     double prevX = 0.0;
     double prevS = 1.0;
     double prevError = 0.0;
     for (int32_t k = 0; k < g.count; ++k) {
       if (IsWithdrawn(g, k) && k + 1 != g.count) continue;
       const double h = prevError * z;
-      const double t = times[g.rows[k]];
+      const double t = g.time[g.rows[k]];
       const double low = std::max(prevS - h, 0.0);
       const double high = std::min(prevS + h, 1.0);
       list.Begin(2, kLimitsPen);
@@ -136,13 +137,14 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
   double greatestY = 0.0;
   int32_t first = 0;
   for (int32_t g = 0; g < drawn; ++g) {
-    const SurvivalGroup group = groupAt(first, g);
+    const GatheredGroup gathered(groupAt(first, g));
+    const SurvivalGroup& group = gathered.view();
     list.Begin(2 + 2 * counts[groups + g], g + 1);
     double level = plot.startLevel;
     list.Point(0.0, level, kLinePoint);
     for (int32_t k = 0; k < group.count; ++k) {
       if (IsWithdrawn(group, k)) continue;
-      const double t = times[group.rows[k]];
+      const double t = group.time[group.rows[k]];
       list.Point(t, level, kLinePoint);
       level = StepLevel(kind, survival[first + k], hazard[first + k]);
       list.Point(t, level, kLinePoint);
@@ -151,8 +153,9 @@ int32_t Life2PlotPane(PaneWindow* pane, int32_t slot, int32_t item, int32_t kind
         greatestY = std::max(greatestY, level);
       }
     }
-    const double endX =
-        group.count == 0 || !LastRowWithdrawn(group) ? axisEnd : times[group.rows[group.count - 1]];
+    const double endX = group.count == 0 || !LastRowWithdrawn(group)
+                            ? axisEnd
+                            : group.time[group.rows[group.count - 1]];
     list.Point(endX, level, kLinePoint);
     first += group.count;
   }

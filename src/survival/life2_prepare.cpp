@@ -4,9 +4,15 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
+#include <numeric>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
+#include "frame/messages.h"
+#include "frame/string_ids.h"
 #include "protocol/families.h"
 #include "services/movable_block.h"
 #include "services/number_format.h"
@@ -40,41 +46,109 @@ std::string NumericLabel(double value) {
   return NumberText(value);
 }
 
-// Forms the groups of a group column in the order `order` gives (ascending
-// group value); rows without a time or without a group value are excluded,
-// and the latter lose their time.
-int32_t GroupRows(ProcedureState& state, const int32_t* order, double* time, int32_t* index,
-                  char* labels) {
+// The distinct values of a column in one pass: each row gets the number of
+// its value in the order of first appearance, and each number its first row.
+// A short list is searched directly; past kDirectValues values a hash table
+// takes over, so that a column of identifiers stays linear.
+template <class Key, class Hash>
+class DistinctValues {
+ public:
+  int32_t Find(const Key& key, int32_t row) {
+    if (table_.empty()) {
+      for (size_t i = 0; i < keys_.size(); ++i) {
+        if (keys_[i] == key) return static_cast<int32_t>(i);
+      }
+      if (keys_.size() == kDirectValues) {
+        for (size_t i = 0; i < keys_.size(); ++i) table_.emplace(keys_[i], i);
+      }
+    } else {
+      const auto found = table_.find(key);
+      if (found != table_.end()) return static_cast<int32_t>(found->second);
+    }
+    if (!table_.empty()) table_.emplace(key, keys_.size());
+    keys_.push_back(key);
+    firstRows_.push_back(row);
+    return static_cast<int32_t>(keys_.size() - 1);
+  }
+  const std::vector<Key>& keys() const { return keys_; }
+  const std::vector<int32_t>& firstRows() const { return firstRows_; }
+
+ private:
+  static constexpr size_t kDirectValues = 16;
+  std::vector<Key> keys_;
+  std::vector<int32_t> firstRows_;
+  std::unordered_map<Key, size_t, Hash> table_;
+};
+
+// A group value as the groups compare it: -0 is +0.
+struct NumericGroup {
+  double value;
+  bool operator==(const NumericGroup& other) const {
+    return std::memcmp(&value, &other.value, sizeof value) == 0;
+  }
+};
+struct NumericGroupHash {
+  size_t operator()(const NumericGroup& key) const {
+    uint64_t bits = 0;
+    std::memcpy(&bits, &key.value, sizeof bits);
+    return std::hash<uint64_t>()(bits);
+  }
+};
+
+// Numbers the groups of a group column in ascending order of the group
+// value (text by CompareCells); rows without a time or without a group
+// value are excluded, and the latter lose their time.
+int32_t GroupRows(ProcedureState& state, double* time, int32_t* index, char* labels) {
   const VariableBinding& column = state.bindings[kGroupBinding];
   const int32_t n = state.rowCount;
   const bool isText = column.type == 'C';
   const int32_t width = column.width;
   LockedBlock<const char> cells(isText ? column.data : 0);
   LockedBlock<const double> values(isText ? 0 : column.data);
-  int32_t groups = 0;
-  int32_t previous = -1;
-  for (int32_t i = 0; i < n; ++i) {
-    const int32_t row = order[i];
+  DistinctValues<std::string_view, std::hash<std::string_view>> texts;
+  DistinctValues<NumericGroup, NumericGroupHash> numbers;
+  for (int32_t row = 0; row < n; ++row) {
     index[row] = kExcludedRow;
     if (time[row] == kMissingValue) continue;
-    const bool missing =
-        isText ? IsBlankText(TextCell(cells.get(), width, row)) != 0 : values[row] == kMissingValue;
-    if (missing) {
+    if (isText) {
+      const std::string_view cell = TextCellView(cells.get(), width, row);
+      if (IsBlankText(cell) != 0) {
+        time[row] = kMissingValue;
+      } else {
+        index[row] = texts.Find(cell, row);
+      }
+    } else if (values[row] == kMissingValue) {
       time[row] = kMissingValue;
-      continue;
+    } else {
+      index[row] = numbers.Find({values[row] == 0.0 ? 0.0 : values[row]}, row);
     }
-    const bool opens =
-        groups == 0 ||
-        (isText ? std::memcmp(cells.get() + static_cast<size_t>(row) * width,
-                              cells.get() + static_cast<size_t>(previous) * width, width) != 0
-                : values[row] != values[previous]);
-    if (opens) {
-      ++groups;
-      char* label = labels + static_cast<size_t>(groups - 1) * kGroupLabelWidth;
-      WriteLabel(label, isText ? TextCell(cells.get(), width, row) : NumericLabel(values[row]));
-    }
-    index[row] = groups - 1;
-    previous = row;
+  }
+  // The values in ascending order (a value that is not a number last), then
+  // each row's number replaced by its value's rank.
+  const std::vector<int32_t>& firstRows = isText ? texts.firstRows() : numbers.firstRows();
+  const int32_t groups = static_cast<int32_t>(firstRows.size());
+  std::vector<int32_t> byValue(firstRows.size());
+  std::iota(byValue.begin(), byValue.end(), 0);
+  if (isText) {
+    const auto& keys = texts.keys();
+    std::sort(byValue.begin(), byValue.end(),
+              [&keys](int32_t a, int32_t b) { return CompareCells(keys[a], keys[b]) < 0; });
+  } else {
+    const auto& keys = numbers.keys();
+    std::sort(byValue.begin(), byValue.end(), [&keys](int32_t a, int32_t b) {
+      const double x = keys[a].value, y = keys[b].value;
+      return std::isnan(y) ? !std::isnan(x) : x < y;
+    });
+  }
+  std::vector<int32_t> rank(firstRows.size());
+  for (int32_t g = 0; g < groups; ++g) {
+    rank[byValue[g]] = g;
+    const int32_t row = firstRows[byValue[g]];
+    char* label = labels + static_cast<size_t>(g) * kGroupLabelWidth;
+    WriteLabel(label, isText ? TextCell(cells.get(), width, row) : NumericLabel(values[row]));
+  }
+  for (int32_t row = 0; row < n; ++row) {
+    if (index[row] != kExcludedRow) index[row] = rank[index[row]];
   }
   return groups;
 }
@@ -97,16 +171,12 @@ int32_t FormSurvivalGroups(int32_t slot) {
     return 1;
   }
   if (column.data == 0) return 0;
-  int32_t sorted = 0;
-  {
-    LockedBlock<const char> block(column.data);
-    sorted = column.type == 'C'
-                 ? SortOrderText(block.get(), slot, n, column.width, 0)
-                 : SortOrderNumeric(reinterpret_cast<const double*>(block.get()), slot, n, 0);
+  try {
+    Set(state, kGroupCount, GroupRows(state, time.get(), index.get(), labels.get()));
+  } catch (const std::bad_alloc&) {
+    ShowError(kNoMemoryText);
+    return 0;
   }
-  if (sorted == 0) return 0;
-  LockedBlock<const int32_t> order(state.order);
-  Set(state, kGroupCount, GroupRows(state, order.get(), time.get(), index.get(), labels.get()));
   return 1;
 }
 

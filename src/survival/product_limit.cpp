@@ -1,5 +1,7 @@
 #include "survival/product_limit.h"
 
+#include <new>
+
 #include "frame/host_records.h"
 #include "stats/guarded_math.h"
 
@@ -35,7 +37,27 @@ double FinishMeanError(double v, bool lastCensored, int32_t failures) {
 
 }  // namespace
 
-double EstimateProductLimit(const SurvivalGroup& g, const ProductLimitColumns& out) {
+GatheredGroup::GatheredGroup(const SurvivalGroup& group) : view_(group) {
+  const size_t count = group.count > 0 ? static_cast<size_t>(group.count) : 0;
+  const size_t columns = group.censor != nullptr ? 2 : 1;
+  positions_.reset(new (std::nothrow) int32_t[count]);
+  values_.reset(new (std::nothrow) double[columns * count]);
+  if (positions_ == nullptr || values_ == nullptr) return;
+  double* time = values_.get();
+  double* censor = group.censor != nullptr ? time + count : nullptr;
+  for (size_t k = 0; k < count; ++k) {
+    const int32_t row = group.rows[k];
+    positions_[k] = static_cast<int32_t>(k);
+    time[k] = group.time[row];
+    if (censor != nullptr) censor[k] = group.censor[row];
+  }
+  view_ = {positions_.get(), group.count, time, censor};
+}
+
+double EstimateProductLimit(const SurvivalGroup& group, const ProductLimitColumns& out) {
+  // Two passes over the times and one over the kinds: gathered once.
+  const GatheredGroup gathered(group);
+  const SurvivalGroup& g = gathered.view();
   const int32_t n = g.count;
   double varianceSum = 0.0;
   double prevTime = 0.0;
@@ -117,7 +139,9 @@ double MeanSurvivalErrorDirect(const SurvivalGroup& g, const double* survival) {
 // gives them and one backward pass their suffix sums; the row loop is then
 // the direct one with the area looked up. Times ascend within the group, so
 // "a later row has the same time" is a look at the next row.
-double MeanSurvivalErrorSweep(const SurvivalGroup& g, const double* survival, double* scratch) {
+double MeanSurvivalErrorSweep(const SurvivalGroup& group, const double* survival, double* scratch) {
+  const GatheredGroup gathered(group);
+  const SurvivalGroup& g = gathered.view();
   const int32_t n = g.count;
   if (n == 0) return FinishMeanError(0.0, false, 0);
   double prevTime = 0.0;

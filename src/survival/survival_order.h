@@ -9,7 +9,7 @@ namespace zv {
 
 // One row as the sort sees it, so that the sort walks one flat array.
 struct SurvivalSortKey {
-  double time;          // +infinity for a missing time
+  uint64_t time;        // the time as OrderedKey gives it
   uint32_t group;       // 0xFFFFFFFF for a row outside every group
   uint32_t kindAndRow;  // the row, with the top bit set for a withdrawal
 };
@@ -18,10 +18,11 @@ struct SurvivalSortKey {
 // group is kExcludedRow stand behind all groups, ordered the same way among
 // themselves (a missing time counts as greater than every time). A row is
 // withdrawn when `censor` is given and its value is above 0. `scratch` holds
-// n keys.
+// n keys; with `spare`, n more, the order comes from a stable radix sort in
+// linear time, without it from a comparison sort (the same order).
 void OrderSurvivalRowsArrays(int32_t n, const double* time, const double* censor,
                              const int32_t* groupIndex, SurvivalSortKey* scratch,
-                             int32_t* sortOrder);
+                             int32_t* sortOrder, SurvivalSortKey* spare = nullptr);
 
 // The same over the state of `slot`: the time column of bindings[0], the
 // censoring column of bindings[1] when hasCensoring is set, groupIndex, and

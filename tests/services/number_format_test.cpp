@@ -1,13 +1,17 @@
 // Number formatting. Every expectation is worked out by hand from the
 // formatting rules: the six significant digits, the exponent e with
-// value = 0.d1..d6 x 10^e, then the form chosen by e.
+// value = 0.d1..d6 x 10^e, then the form chosen by e. The fast paths are
+// checked against the C library and the general path on random values.
 #include "services/number_format.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <random>
 #include <string>
 
 #include "frame/host_records.h"
@@ -70,8 +74,8 @@ TEST(FormatNumber, SixSignificantDigitsAcrossMagnitudes) {
       {__LINE__, 2.0 / 3.0, 16, "0.666667", ".666667"},
       {__LINE__, 0.1 + 0.2, 16, "0.3", ".3"},  // 0.30000000000000004
       {__LINE__, 0.0012345678, 16, "0.00123457", ".00123457"},
-      {__LINE__, 0.00001, 16, "0.00001", ".00001"},      // e = -4
-      {__LINE__, 0.000001, 16, "0.000001", ".000001"},   // e = -5
+      {__LINE__, 0.00001, 16, "0.00001", ".00001"},     // e = -4
+      {__LINE__, 0.000001, 16, "0.000001", ".000001"},  // e = -5
       {__LINE__, 0.000001234, 16, "0.000001234", ".000001234"},
       {__LINE__, -0.00000123456789, 16, "-0.00000123457", "-.00000123457"},
       // e = 1 .. 6: e digits, point, the rest or one zero.
@@ -216,6 +220,62 @@ TEST(FormatFixed, DecimalCommaAndTrimmedForm) {
   EXPECT_STREQ(buffer, "");
   zv::FormatFixedTrimmed(buffer, 1e9, 8, 2);
   EXPECT_STREQ(buffer, "********");
+}
+
+// The short path of the six digits against the C library's correctly rounded
+// "%.5e", on random values of every kind it may see: short decimals as
+// report columns hold them, values a hair from a rounding half, and values
+// spread over its whole range. It must agree whenever it answers, and it
+// must answer for nearly every short decimal.
+TEST(FormatNumber, ShortDigitsAgreeWithTheCLibrary) {
+  std::mt19937_64 random(2024);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  int64_t shortDecimals = 0, answered = 0;
+  for (int32_t i = 0; i < 3'000'000; ++i) {
+    double value = 0.0;
+    const int32_t kind = i % 3;
+    if (kind == 0) {  // up to six digits and up to eleven decimals
+      value = static_cast<double>(random() % 1'000'000) / std::pow(10.0, random() % 12);
+    } else if (kind == 1) {  // a rounding half, nudged by a few units in the last place
+      value =
+          (static_cast<double>(random() % 900'000 + 100'000) + 0.5) / std::pow(10.0, random() % 12);
+      value = std::nextafter(value, (random() & 1) != 0 ? 0.0 : 1e9);
+    } else {
+      value = std::pow(10.0, -6.0 + 12.0 * unit(random));
+    }
+    char digits[6];
+    const int32_t e = zv::ShortSixDigits(value, digits);
+    if (kind == 0 && value >= 1e-6) ++shortDecimals;
+    if (e == zv::kNoShortDigits) continue;
+    if (kind == 0) ++answered;
+    char expected[32];
+    std::snprintf(expected, sizeof expected, "%.5e", value);
+    const std::string mantissa = std::string(1, expected[0]) + std::string(expected + 2, 5);
+    ASSERT_EQ(std::string(digits, 6), mantissa) << value;
+    ASSERT_EQ(e, std::atoi(expected + 8) + 1) << value;
+  }
+  EXPECT_GT(answered, shortDecimals * 99 / 100);
+}
+
+// The trimmed fixed form, which places short values directly, against the
+// field it trims, in both locale settings and at widths down to the stars.
+TEST(FormatFixed, TrimmedAgreesWithTheField) {
+  std::mt19937_64 random(99);
+  for (int32_t leadingZero : {0, 1}) {
+    Locale locale(leadingZero, ',');
+    for (int32_t i = 0; i < 1'000'000; ++i) {
+      const double value = (static_cast<double>(random() % 2'000'001) - 1e6) /
+                           std::pow(10.0, random() % 9) * (i % 50 == 0 ? 1e6 : 1.0);
+      const int32_t width = 4 + static_cast<int32_t>(random() % 13);
+      const int32_t decimals = static_cast<int32_t>(random() % 7);
+      std::string field = Fixed(value, width, decimals);
+      field.erase(0, field.find_first_not_of(' '));
+      field.erase(field.find_last_not_of(' ') + 1);
+      char trimmed[64];
+      zv::FormatFixedTrimmed(trimmed, value, width, decimals);
+      ASSERT_EQ(trimmed, field) << value << " " << width << " " << decimals;
+    }
+  }
 }
 
 TEST(FormatDigits, RightAlignedWithRoomForASign) {
