@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mapfile -t files < <(git ls-files '*.cpp' '*.h')
-bad=$(clang-format --dry-run "${files[@]}" 2>&1 | grep -oE '^[^:]+\.(cpp|h)' | sort -u || true)
+bad=$(clang-format --dry-run "${files[@]}" 2>&1 | grep -E ': warning: ' | cut -d: -f1 | sort -u || true)
 if [ -n "$bad" ]; then
   echo "format: these files differ from .clang-format (clang-format -i FILE fixes them):"
   printf '  %s\n' $bad
