@@ -1,6 +1,7 @@
 #include "protocol/module_start.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -39,7 +40,8 @@ TEST(ShortDateFormat, ParsesFieldsSeparatorAndMonthYearOrder) {
 }
 
 TEST(ModuleStart, ReadsTheIntlSectionOfTheProfile) {
-  const std::string path = ::testing::TempDir() + "zivara_profile.ini";
+  const std::string path =
+      ::testing::TempDir() + "zivara_profile_" + std::to_string(getpid()) + ".ini";
   FILE* file = std::fopen(path.c_str(), "w");
   ASSERT_NE(file, nullptr);
   std::fputs("[intl]\niLzero=0\nsDecimal=,\nsShortdate=dd.MM.yyyy\niTLZero=1\nsTime=.\n", file);

@@ -3,6 +3,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -257,7 +258,8 @@ std::vector<std::string> FolderEntries(const std::string& folder) {
 
 // A fresh, empty folder under the test's temporary directory.
 std::string FreshFolder(const std::string& name) {
-  const std::string folder = ::testing::TempDir() + "zvgrid_" + name;
+  const std::string folder =
+      ::testing::TempDir() + "zvgrid_" + name + "_" + std::to_string(getpid());
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   return folder;

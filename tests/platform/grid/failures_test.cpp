@@ -4,6 +4,7 @@
 // texts go through the CSV reader's check, which compares the reader with a
 // plain reading of the rules.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -34,7 +35,9 @@ TEST_F(FailuresTest, KeptInputsPassTheFuzzChecks) {
     const std::string input = Read(entry.path());
     if (name.rfind("csv-", 0) == 0) {
       EXPECT_EQ(zvfuzz::CheckCsv(input), "");
-      EXPECT_EQ(zvfuzz::CheckSaveFile(input, ::testing::TempDir() + "zvgrid_failure.csv"), "");
+      EXPECT_EQ(zvfuzz::CheckSaveFile(input, ::testing::TempDir() + "zvgrid_failure_" +
+                                                 std::to_string(getpid()) + ".csv"),
+                "");
     } else if (name.rfind("expression-", 0) == 0) {
       zvfuzz::LoadExpressionSheet();
       EXPECT_EQ(zvfuzz::CheckExpression(input), "");

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 #include "zvwin/zvwin.h"
 
@@ -11,7 +13,9 @@ namespace {
 class ProfileTest : public testing::Test {
  protected:
   void SetUp() override {
-    path_ = std::filesystem::path(testing::TempDir()) / "zvwin_profile_test.ini";
+    // One file per process: CTest runs the cases of this file side by side.
+    path_ = std::filesystem::path(testing::TempDir()) /
+            ("zvwin_profile_test_" + std::to_string(getpid()) + ".ini");
     std::ofstream(path_) << "; the system's settings\n"
                             "[Windows]\n"
                             "iLzero=7\n"
@@ -39,17 +43,22 @@ class ProfileTest : public testing::Test {
 };
 
 TEST_F(ProfileTest, IntegersReadTheLeadingDigits) {
-  struct Row { int line; const char* section; const char* key; int32_t expected; };
+  struct Row {
+    int line;
+    const char* section;
+    const char* key;
+    int32_t expected;
+  };
   const Row rows[] = {
-      {__LINE__, "Intl", "iLzero", 0},         // names compare without case; first wins
+      {__LINE__, "Intl", "iLzero", 0},  // names compare without case; first wins
       {__LINE__, "INTL", "ilzero", 0},
-      {__LINE__, "Windows", "iLzero", 7},      // sections are kept apart
+      {__LINE__, "Windows", "iLzero", 7},  // sections are kept apart
       {__LINE__, "Intl", "iCount", 12},
       {__LINE__, "Intl", "iWord", 0},
       {__LINE__, "Intl", "iNegative", -3},
-      {__LINE__, "Intl", "iEmpty", 99},        // an empty value gives the default
-      {__LINE__, "Intl", "iTLZero", 99},       // commented out; a broken header does
-                                               // not open a section
+      {__LINE__, "Intl", "iEmpty", 99},   // an empty value gives the default
+      {__LINE__, "Intl", "iTLZero", 99},  // commented out; a broken header does
+                                          // not open a section
       {__LINE__, "Intl", "missing", 99},
       {__LINE__, "Nowhere", "iLzero", 99},
   };
