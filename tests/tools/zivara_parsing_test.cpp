@@ -1,9 +1,11 @@
-// The zivara command's own parsing: --opts settings and session lines.
+// The zivara command's own parsing: --opts settings and session lines; the
+// line ends of the pane text it prints.
 #include <gtest/gtest.h>
 
 #include <tuple>
 
 #include "analysis_run.h"
+#include "pane_output.h"
 #include "session_script.h"
 
 namespace {
@@ -83,6 +85,27 @@ TEST(ZivaraParsing, SessionLines) {
     if (row.ok) {
       EXPECT_EQ(words, row.words);
     }
+  }
+}
+
+// Only a carriage return that stands before a line feed goes; a lone one,
+// even right before such a pair, stays.
+TEST(ZivaraParsing, UnixLines) {
+  struct Row {
+    int line;
+    std::string_view text, expected;
+  };
+  const Row rows[] = {
+      {__LINE__, "", ""},
+      {__LINE__, "a\r\nb\r\n", "a\nb\n"},
+      {__LINE__, "\r", "\r"},
+      {__LINE__, "a\r\r\nb\r", "a\r\nb\r"},
+      {__LINE__, "\r\n\r\n", "\n\n"},
+      {__LINE__, "no line end", "no line end"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.line);
+    EXPECT_EQ(zivara::UnixLines(row.text), row.expected);
   }
 }
 

@@ -8,12 +8,18 @@
 namespace zivara {
 
 std::string UnixLines(std::string_view text) {
+  // Whole runs between carriage returns are copied at once: pane texts of a
+  // million rows are tens of megabytes.
   std::string out;
   out.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-    out += text[i];
+  size_t start = 0;
+  for (size_t cr = text.find('\r'); cr != std::string_view::npos; cr = text.find('\r', cr + 1)) {
+    if (cr + 1 < text.size() && text[cr + 1] == '\n') {
+      out.append(text, start, cr - start);
+      start = cr + 1;
+    }
   }
+  out.append(text, start, std::string_view::npos);
   return out;
 }
 
