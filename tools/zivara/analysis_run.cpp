@@ -139,7 +139,7 @@ AnalysisRun RunAnalysis(zvhost::Host& host, const AnalysisRequest& request, std:
     run.exitCode = kExitRefused;
     return run;
   }
-  host.ShowStalePanes(slot);
+  host.ShowStalePanes(slot, request.shown);
   err << CensoringNote(host, slot);
 
   for (const OptionsRequest& options : request.options) {

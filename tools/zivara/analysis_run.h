@@ -30,6 +30,8 @@ struct AnalysisRequest {
   std::vector<std::pair<int32_t, std::string>> variables;  // field from 1, text
   std::optional<std::string> select;
   std::vector<OptionsRequest> options;
+  // The panes built after Begin; empty: every pane, as the desktop shows them.
+  std::vector<int32_t> shown;
 };
 
 struct AnalysisRun {

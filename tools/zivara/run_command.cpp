@@ -130,6 +130,18 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err) 
     messages.push_back(call.text);
   });
 
+  // Only the panes that this run prints or draws are built: a million-row
+  // survival plot costs as much as the table. JSON and HTML show every pane.
+  if (options.format == "text" && options.html.empty()) {
+    request.shown.assign(options.panes.begin(), options.panes.end());
+    if (options.panes.empty()) {
+      for (int32_t i = family.firstText; i <= family.lastText; ++i) request.shown.push_back(i);
+    }
+    request.shown.push_back(1);  // its last line is the reason when there are no results
+    if (!options.graphs.empty() && family.firstGraph != 0) {
+      for (int32_t i = family.firstGraph; i <= family.lastGraph; ++i) request.shown.push_back(i);
+    }
+  }
   AnalysisRun run = RunAnalysis(*host, request, err);
   if (run.exitCode != kExitRan) return WithFaults(*host, run.exitCode, err);
 

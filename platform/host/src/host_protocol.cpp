@@ -189,10 +189,11 @@ int32_t Host::RedrawGraph(int32_t slot, int32_t item) {
   return Item(slot, item);
 }
 
-void Host::ShowStalePanes(int32_t slot) {
+void Host::ShowStalePanes(int32_t slot, const std::vector<int32_t>& only) {
   Analysis* a = Require(slot, "ShowStalePanes");
   if (a == nullptr) return;
   for (int32_t item : ItemsOf(*a->family)) {
+    if (!only.empty() && std::find(only.begin(), only.end(), item) == only.end()) continue;
     // Looked up afresh after each call: a repaint may have closed it.
     Analysis* current = AnalysisOf(slot);
     if (current == nullptr) return;

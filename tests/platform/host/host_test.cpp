@@ -162,10 +162,15 @@ TEST_F(HostTest, SetupReopenReplacesTheStoredTexts) {
 TEST_F(HostTest, StalePanesAreRebuiltAfterTheCallThatAskedForThem) {
   int32_t slot = Open("DotDiagram", "Weight");
   ASSERT_EQ(host->Begin(slot), 1);
-  host->ShowStalePanes(slot);
+  // Showing only pane 1 builds it alone; pane 8 stays stale until shown.
+  host->ShowStalePanes(slot, {1});
   EXPECT_EQ(host->PaneText(slot, 1), "Pane 1 of Weight\r\nsecond line\r\n");
   EXPECT_EQ(host->State(slot)->paneStale[0], 0);
+  EXPECT_EQ(host->State(slot)->paneStale[7], 1);
+  EXPECT_EQ(host->AnalysisOf(slot)->PaneOf(8)->builds, 0);
+  host->ShowStalePanes(slot);
   EXPECT_EQ(host->State(slot)->paneStale[7], 0);
+  EXPECT_EQ(host->AnalysisOf(slot)->PaneOf(1)->builds, 1);
 
   Fake<void (*)()>("FakeClearLog")();
   host->user().Queue({UserStep::Ok()});

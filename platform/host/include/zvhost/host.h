@@ -101,7 +101,9 @@ class Host {
   // say): graphKeepId names its graph, so the module keeps its axes.
   int32_t RedrawGraph(int32_t slot, int32_t item);
   // Item for every pane whose paneStale flag is set, clearing the flags.
-  void ShowStalePanes(int32_t slot);
+  // With `only`, just those panes: the others stay stale, like windows that
+  // are not open.
+  void ShowStalePanes(int32_t slot, const std::vector<int32_t>& only = {});
   int32_t Opts(int32_t slot, int32_t item);
   int32_t RedoItem1(int32_t slot);
   void Vsave(int32_t slot);
