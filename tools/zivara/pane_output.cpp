@@ -7,20 +7,40 @@
 
 namespace zivara {
 
-std::string UnixLines(std::string_view text) {
-  // Whole runs between carriage returns are copied at once: pane texts of a
-  // million rows are tens of megabytes.
-  std::string out;
-  out.reserve(text.size());
+namespace {
+
+// Calls `sink` with the runs of `text` between the carriage returns that stand
+// before a line feed, each run ending with that line feed. Whole runs are
+// handed on at once: pane texts of a million rows are tens of megabytes.
+template <class Sink>
+void ForEachUnixRun(std::string_view text, Sink&& sink) {
   size_t start = 0;
   for (size_t cr = text.find('\r'); cr != std::string_view::npos; cr = text.find('\r', cr + 1)) {
     if (cr + 1 < text.size() && text[cr + 1] == '\n') {
-      out.append(text, start, cr - start);
+      sink(text.substr(start, cr - start));
       start = cr + 1;
     }
   }
-  out.append(text, start, std::string_view::npos);
+  sink(text.substr(start));
+}
+
+}  // namespace
+
+std::string UnixLines(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  ForEachUnixRun(text, [&](std::string_view run) { out.append(run); });
   return out;
+}
+
+void WritePaneOutput(std::ostream& out, zvhost::Host& host, int32_t slot, int32_t item) {
+  if (zvhost::IsGraphItem(item)) {
+    out << PaneOutput(host, slot, item);
+    return;
+  }
+  host.ReadPaneText(slot, item, [&](std::string_view text) {
+    ForEachUnixRun(text, [&](std::string_view run) { out.write(run.data(), run.size()); });
+  });
 }
 
 namespace {
@@ -35,7 +55,11 @@ const zvchart::StoredGraph* GraphOf(zvhost::Host& host, int32_t slot, int32_t it
 }  // namespace
 
 std::string PaneOutput(zvhost::Host& host, int32_t slot, int32_t item) {
-  if (!zvhost::IsGraphItem(item)) return UnixLines(host.PaneText(slot, item));
+  if (!zvhost::IsGraphItem(item)) {
+    std::string out;
+    host.ReadPaneText(slot, item, [&](std::string_view text) { out = UnixLines(text); });
+    return out;
+  }
   const zvchart::StoredGraph* graph = GraphOf(host, slot, item);
   if (graph == nullptr) return {};
   std::string out;

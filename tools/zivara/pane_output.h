@@ -16,6 +16,8 @@ std::string UnixLines(std::string_view text);
 // A text pane's text; for a graph pane, the texts of its graph, one line
 // each, with the title placeholders filled in.
 std::string PaneOutput(zvhost::Host& host, int32_t slot, int32_t item);
+// The same, written to `out` without a copy of the text.
+void WritePaneOutput(std::ostream& out, zvhost::Host& host, int32_t slot, int32_t item);
 
 // The line that stands above a pane when several are printed.
 std::string PaneHeading(const zvhost::FamilySpec& family, int32_t item);

@@ -150,13 +150,14 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err) 
     if (panes.empty()) panes = zvhost::ItemsOf(family);
     out << AnalysisJson(*host, run.slot, panes).dump(1) << "\n";
   } else if (panes.size() == 1) {
-    out << PaneOutput(*host, run.slot, panes.front());
+    WritePaneOutput(out, *host, run.slot, panes.front());
   } else {
     if (panes.empty()) {
       for (int32_t i = family.firstText; i <= family.lastText; ++i) panes.push_back(i);
     }
     for (int32_t item : panes) {
-      out << PaneHeading(family, item) << "\n" << PaneOutput(*host, run.slot, item);
+      out << PaneHeading(family, item) << "\n";
+      WritePaneOutput(out, *host, run.slot, item);
     }
   }
   out.flush();

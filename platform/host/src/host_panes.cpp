@@ -37,6 +37,20 @@ std::string Host::PaneText(int32_t slot, int32_t item) {
   return text;
 }
 
+void Host::ReadPaneText(int32_t slot, int32_t item,
+                        const std::function<void(std::string_view)>& sink) {
+  Analysis* a = AnalysisOf(slot);
+  Pane* pane = a ? a->PaneOf(item) : nullptr;
+  WinOsVersionInfo version{};
+  version.size = sizeof version;
+  WinGetVersionEx(&version);
+  if (pane != nullptr && version.platformId != 0) {
+    sink(WinWindowTextView(pane->window->window));
+  } else {
+    sink(PaneText(slot, item));
+  }
+}
+
 std::vector<GraphText> Host::GraphTexts(int32_t slot, int32_t item) {
   std::vector<GraphText> texts;
   Analysis* a = AnalysisOf(slot);

@@ -48,8 +48,12 @@ void WinSetWindowText(WindowRef window, std::string_view text) {
 }
 
 std::string WinGetWindowText(WindowRef window) {
+  return std::string(WinWindowTextView(window));
+}
+
+std::string_view WinWindowTextView(WindowRef window) {
   const Window* w = Find(window);
-  return w == nullptr ? std::string() : w->text;
+  return w == nullptr ? std::string_view() : std::string_view(w->text);
 }
 
 void WinInvalidate(WindowRef window, bool erase) {
@@ -62,7 +66,9 @@ int32_t WinInvalidateCount(WindowRef window) {
   return w == nullptr ? 0 : w->invalidates;
 }
 
-WindowRef WinGetActiveWindow() { return State().active; }
+WindowRef WinGetActiveWindow() {
+  return State().active;
+}
 
 void WinSetActiveWindow(WindowRef window) {
   State().active = Find(window) != nullptr ? window : 0;

@@ -15,6 +15,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/host_records.h"
@@ -125,6 +126,9 @@ class Host {
   std::vector<int32_t> OpenSlots() const;
   // The text of a text pane as the module set it, lines ended by "\r\n".
   std::string PaneText(int32_t slot, int32_t item);
+  // Hands `sink` the same text without a copy where the pane holds it whole:
+  // the report of a million rows is tens of megabytes.
+  void ReadPaneText(int32_t slot, int32_t item, const std::function<void(std::string_view)>& sink);
   std::vector<GraphText> GraphTexts(int32_t slot, int32_t item);
 
   zv::HostRecord& record() { return *record_; }

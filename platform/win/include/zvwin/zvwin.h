@@ -45,16 +45,16 @@ void WinTextFree(TextRef text);
 Handle WinGlobalAlloc(uint32_t bytes);  // zero-filled; 0 when refused
 void* WinGlobalLock(Handle block);      // nullptr for an invalid handle
 void WinGlobalUnlock(Handle block);
-void WinGlobalFree(Handle block);       // 0 is ignored
-uint32_t WinGlobalSize(Handle block);   // 0 for an invalid handle
+void WinGlobalFree(Handle block);      // 0 is ignored
+uint32_t WinGlobalSize(Handle block);  // 0 for an invalid handle
 int32_t WinGlobalLockCount(Handle block);
 
-void WinSetMovingBlocks(bool on);       // default: on in test builds (ZV_MOVE_BLOCKS) or
-                                        // when ZIVARA_MOVE_BLOCKS=1
+void WinSetMovingBlocks(bool on);         // default: on in test builds (ZV_MOVE_BLOCKS) or
+                                          // when ZIVARA_MOVE_BLOCKS=1
 void WinFailAllocationsAfter(int32_t n);  // the (n+1)-th allocation from now fails, once;
                                           // -1: never
 size_t WinLiveBlockCount();
-size_t WinLockedBlockCount();           // blocks with a lock count above 0
+size_t WinLockedBlockCount();  // blocks with a lock count above 0
 
 // ---------------------------------------------------------------------------
 // Windows: just enough for panes and dialogs to hold text.
@@ -62,6 +62,8 @@ WindowRef WinCreateWindow(std::string_view className);
 void WinDestroyWindow(WindowRef window);
 void WinSetWindowText(WindowRef window, std::string_view text);
 std::string WinGetWindowText(WindowRef window);
+// The window's text without a copy, valid until the window's next change.
+std::string_view WinWindowTextView(WindowRef window);
 void WinInvalidate(WindowRef window, bool erase);
 int32_t WinInvalidateCount(WindowRef window);
 WindowRef WinGetActiveWindow();
@@ -157,8 +159,18 @@ struct WinImage {
 };
 
 // A dialog template: caption and controls.
-enum class ControlKind { kStatic, kEdit, kMultiLineEdit, kCheckBox, kRadio, kListBox, kComboBox,
-                         kButton, kImageButton, kGroupBox };
+enum class ControlKind {
+  kStatic,
+  kEdit,
+  kMultiLineEdit,
+  kCheckBox,
+  kRadio,
+  kListBox,
+  kComboBox,
+  kButton,
+  kImageButton,
+  kGroupBox
+};
 struct ControlTemplate {
   int32_t id;
   ControlKind kind;
@@ -282,7 +294,7 @@ class ScriptedDialogDriver : public WinDialogDriver {
   void DialogOpened(WinDialog& dialog) override;
   void DialogClosed(WinDialog& dialog, int32_t result) override;
 
-  size_t ScriptsLeft() const;  // scripts not yet started
+  size_t ScriptsLeft() const;                       // scripts not yet started
   const std::vector<uint32_t>& Unexpected() const;  // templates of dialogs with no script
 
  private:
