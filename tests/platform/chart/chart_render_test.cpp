@@ -172,13 +172,11 @@ TEST_F(ChartRender, StepPlotIsWellFormedAndComplete) {
     EXPECT_GE(std::stod(e.Attr("y")), 0.0);
     EXPECT_LE(std::stod(e.Attr("y")), 480.0);
   }
-}
-
-TEST_F(ChartRender, WithoutLegendOnTheLegendIsNotDrawn) {
-  GraphInput in = StepPlot();
-  in.record.legendOn = 0;
-  in.Draw(10, 2);
-  auto all = Svg(2);
+  // Without legendOn the legend and its samples are not drawn.
+  GraphInput noLegend = StepPlot();
+  noLegend.record.legendOn = 0;
+  noLegend.Draw(10, 2);
+  all = Svg(2);
   EXPECT_EQ(WithClass(all, "path", "series").size(), 2u);
   EXPECT_TRUE(Texts(all, "legend-text").empty());
   EXPECT_TRUE(WithClass(all, "path", "legend").empty());
@@ -424,8 +422,9 @@ TEST_F(ChartRender, ThreeDimensionalGraphProjectsTheCube) {
   EXPECT_NEAR(line[0].y, bottom - (0.25 + s) * k, 0.02);
 }
 
-// A pane whose analysis failed shows its message in the middle and no axes.
-TEST_F(ChartRender, MessageOnlyGraph) {
+// A pane whose analysis failed shows its message in the middle and no axes;
+// an unknown graph gives nothing.
+TEST_F(ChartRender, MessageOnlyAndUnknownGraphs) {
   GraphInput in;
   in.AddText(20, "No results", 0, 1.0);
   in.Draw(1, 8);
@@ -435,9 +434,7 @@ TEST_F(ChartRender, MessageOnlyGraph) {
   ASSERT_EQ(message.size(), 1u);
   EXPECT_EQ(message[0]->text, "No results");
   EXPECT_EQ(message[0]->Attr("x"), "320");
-}
 
-TEST_F(ChartRender, UnknownGraphGivesNothing) {
   EXPECT_EQ(zvchart::ChartRenderSvg(404), "");
   EXPECT_FALSE(zvchart::ChartRenderPng(404, ZV_BIN_DIR "/never.png"));
   EXPECT_EQ(zvchart::RenderWindowSvg(404), "");

@@ -176,11 +176,6 @@ TEST_F(HostTest, StalePanesAreRebuiltAfterTheCallThatAskedForThem) {
   EXPECT_EQ(host->State(slot)->paneStale[0], 0);
   EXPECT_EQ(host->State(slot)->paneStale[7], 0);
   EXPECT_EQ(host->AnalysisOf(slot)->PaneOf(1)->builds, 2);
-
-  // RedoItem1 rebuilds pane 1 itself and leaves the others stale for the Host.
-  ASSERT_EQ(host->RedoItem1(slot), 1);
-  EXPECT_EQ(host->State(slot)->paneStale[0], 0);
-  EXPECT_EQ(host->State(slot)->paneStale[7], 1);
 }
 
 TEST_F(HostTest, SilentAbortEndsTheCallQuietlyAndTheHostCarriesOn) {
@@ -227,6 +222,8 @@ TEST_F(HostTest, ScriptedUserSetsControlsByTheirKind) {
   EXPECT_EQ(Fake<int32_t (*)()>("FakeCheck")(), 1);
   EXPECT_STREQ(Fake<const char* (*)()>("FakeOption141")(), "12.5");
 
+  // A disabled, unknown or misnamed control is refused the same way; zivara's
+  // pane options test checks those words end to end.
   struct Row {
     int line;
     std::vector<UserStep> steps;
@@ -234,18 +231,8 @@ TEST_F(HostTest, ScriptedUserSetsControlsByTheirKind) {
   };
   const Row rows[] = {
       {__LINE__,
-       {UserStep::Set(141, "3"), UserStep::Ok()},
-       "dialog 60002: control 141 is disabled"},
-      {__LINE__,
-       {UserStep::Set(999, "1"), UserStep::Ok()},
-       "dialog 60002: there is no control 999"},
-      {__LINE__,
        {UserStep::Set(107, "2"), UserStep::Ok()},
        "dialog 60002: control 107 is a check box: give 1 (on) or 0 (off), not \"2\""},
-      {__LINE__,
-       {UserStep::SetNamed("nope", "1"), UserStep::Ok()},
-       "dialog 60002: \"nope\" is not a control of \"Test Options\"; its names are method, "
-       "counts, width"},
       {__LINE__,
        {UserStep::Set(176, "3"), UserStep::Ok()},
        "dialog 60002: control 176 opens a group of 3 radio buttons; entry 3 is not among them"},
