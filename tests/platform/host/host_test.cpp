@@ -157,6 +157,16 @@ TEST_F(HostTest, SetupReopenReplacesTheStoredTexts) {
   EXPECT_EQ(Expression(slot, 67), "");
   EXPECT_EQ(Expression(slot, zv::kSelectBinding), "");
   EXPECT_EQ(host->modifiedCalls(), 2);  // each Setup
+
+  // A shorter line list leaves none of the old lines behind.
+  NextEntryList("Life\0Years\0Label\0A\r\nB\r\nC\r\n\0"s, 2, 3);
+  slot = Open("Life1", "Years");
+  NextEntryList("Life\0Years\0Label\0A\r\n\0"s, -1, -1);
+  host->user().Queue({UserStep::Set(116, "Years"), UserStep::Ok()});
+  ASSERT_EQ(host->Dialog(*zvhost::FindFamily("Life1"), slot, true), 1);
+  ASSERT_TRUE(host->Setup(slot, true));
+  EXPECT_EQ(Expression(slot, 64), "A");
+  EXPECT_EQ(Expression(slot, 65), "");
 }
 
 TEST_F(HostTest, StalePanesAreRebuiltAfterTheCallThatAskedForThem) {
