@@ -309,7 +309,7 @@ TEST_F(ChartRender, MarksAndShapes) {
 }
 
 // x on a logarithmic axis from 1 to 1000: the scale holds 0 and 3.
-TEST_F(ChartRender, LogAxisPlacesDecades) {
+TEST_F(ChartRender, LogAndProbabilityAxesPlaceTheirTicks) {
   GraphInput in;
   in.SetAxis(0, 0, 3, {0, 1, 2, 3}, 1);
   in.SetAxis(1, 0, 1, {0, 1});
@@ -330,17 +330,14 @@ TEST_F(ChartRender, LogAxisPlacesDecades) {
   ASSERT_EQ(ticks.size(), 24u);
   EXPECT_NEAR((ticks[0][0].x - box.left) / box.width, 0.30103 / 3, 1e-4);  // 2
   EXPECT_NEAR((ticks[7][0].x - box.left) / box.width, 0.95424 / 3, 1e-4);  // 9
-}
 
-// The probability axis: 17 ticks spaced by the 16 increments.
-TEST_F(ChartRender, ProbabilityAxisTicks) {
-  GraphInput in;
-  in.SetAxis(0, 0, 1, {0, 1});
-  std::vector<double> ticks(17, 1.0);
-  in.SetAxis(1, -6.907, 1.933, ticks, 2);
-  in.Draw(1, 6);
-  auto all = Svg(6);
-  Box box = FrameBox(all);
+  // The probability axis: 17 ticks spaced by the 16 increments.
+  GraphInput probability;
+  probability.SetAxis(0, 0, 1, {0, 1});
+  probability.SetAxis(1, -6.907, 1.933, std::vector<double>(17, 1.0), 2);
+  probability.Draw(1, 6);
+  all = Svg(6);
+  box = FrameBox(all);
   auto tickPaths = WithClass(all, "path", "tick");
   ASSERT_EQ(tickPaths.size(), 2u);
   auto y = PathPoints(*tickPaths[1]);
