@@ -81,7 +81,7 @@ class ZivaraTest : public ::testing::Test {
   fs::path folder_;
 };
 
-TEST_F(ZivaraTest, OnePaneIsPrintedExactlyAsTheModuleBuiltIt) {
+TEST_F(ZivaraTest, PanesArePrintedExactlyAsTheModuleBuiltThem) {
   Outcome r = Zivara({"run", "DotDiagram", "--sheet", Sheet(), "--var", "1=Weight", "--select",
                       "Height > 60", "--pane", "1"});
   EXPECT_EQ(r.status, 0) << r.err;
@@ -89,10 +89,9 @@ TEST_F(ZivaraTest, OnePaneIsPrintedExactlyAsTheModuleBuiltIt) {
   EXPECT_EQ(r.out, ReadFile(fs::path(ZV_TEST_DATA_DIR) / "sessions/dotdiagram_pane1.txt"));
   EXPECT_EQ(r.out.find('\r'), std::string::npos);
   EXPECT_EQ(r.err, "");
-}
 
-TEST_F(ZivaraTest, WithoutPaneEveryTextPaneStandsUnderItsName) {
-  Outcome r = Zivara({"run", "dotdiagram", "--sheet", Sheet(), "--var", "1=Weight"});
+  // Without --pane every text pane stands under its name.
+  r = Zivara({"run", "dotdiagram", "--sheet", Sheet(), "--var", "1=Weight"});
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.out.rfind("--- DotDiagram pane 1 ---\n", 0), 0u) << r.out;
   EXPECT_NE(r.out.find("21.6025"), std::string::npos) << r.out;
@@ -109,9 +108,9 @@ TEST_F(ZivaraTest, ExitStatusesAndRefusals) {
   const std::string sheet = Sheet();
   const std::string coded = (folder_ / "coded.csv").string();
   std::ofstream(coded) << "Weight\n150\nNA\nn/a\n170\n.\n";
-  const std::string dot[] = {"run", "DotDiagram", "--sheet", sheet, "--var"};
-  auto run = [&](std::vector<std::string> more) {
-    std::vector<std::string> args(std::begin(dot), std::end(dot));
+  auto run = [&](std::vector<std::string> more, const std::string& on = "") {
+    std::vector<std::string> args = {"run", "DotDiagram", "--sheet", on.empty() ? sheet : on,
+                                     "--var"};
     args.insert(args.end(), more.begin(), more.end());
     return args;
   };
@@ -131,11 +130,16 @@ TEST_F(ZivaraTest, ExitStatusesAndRefusals) {
       {__LINE__, run({"1=Nope"}), {}, 2, "Zivara Suite: "},
       {__LINE__, {"run", "DotDiagram", "--sheet", sheet}, {}, 2, "Zivara Suite: "},
       // A character column refused: the Host names the cell that made it one.
-      {__LINE__, {"run", "DotDiagram", "--sheet", coded, "--var", "1=Weight"}, {}, 2,
+      {__LINE__,
+       run({"1=Weight"}, coded),
+       {},
+       2,
        "where numbers are needed.\nColumn \"Weight\" is text: row 3 holds \"n/a\".\n"},
-      {__LINE__, {"run", "DotDiagram", "--sheet", coded, "--var", "1=(Weight)", "--na", "NA,n/a,."},
-       {}, 0, ""},
-      {__LINE__, {"run", "DotDiagram", "--sheet", coded, "--var", "1=Weight", "--na", ""}, {}, 2,
+      {__LINE__, run({"1=(Weight)", "--na", "NA,n/a,."}, coded), {}, 0, ""},
+      {__LINE__,
+       run({"1=Weight", "--na", ""}, coded),
+       {},
+       2,
        "Column \"Weight\" is text: row 2 holds \"NA\"."},
       {__LINE__, run({"1=Weight", "--select", "Height >"}), {}, 2, "Zivara Suite: "},
       {__LINE__, run({"2=Weight"}), {}, 2, "there is no field 2"},

@@ -172,13 +172,11 @@ TEST_F(ChartRender, StepPlotIsWellFormedAndComplete) {
     EXPECT_GE(std::stod(e.Attr("y")), 0.0);
     EXPECT_LE(std::stod(e.Attr("y")), 480.0);
   }
-}
-
-TEST_F(ChartRender, WithoutLegendOnTheLegendIsNotDrawn) {
-  GraphInput in = StepPlot();
-  in.record.legendOn = 0;
-  in.Draw(10, 2);
-  auto all = Svg(2);
+  // Without legendOn the legend and its samples are not drawn.
+  GraphInput noLegend = StepPlot();
+  noLegend.record.legendOn = 0;
+  noLegend.Draw(10, 2);
+  all = Svg(2);
   EXPECT_EQ(WithClass(all, "path", "series").size(), 2u);
   EXPECT_TRUE(Texts(all, "legend-text").empty());
   EXPECT_TRUE(WithClass(all, "path", "legend").empty());
@@ -311,7 +309,7 @@ TEST_F(ChartRender, MarksAndShapes) {
 }
 
 // x on a logarithmic axis from 1 to 1000: the scale holds 0 and 3.
-TEST_F(ChartRender, LogAxisPlacesDecades) {
+TEST_F(ChartRender, LogAndProbabilityAxesPlaceTheirTicks) {
   GraphInput in;
   in.SetAxis(0, 0, 3, {0, 1, 2, 3}, 1);
   in.SetAxis(1, 0, 1, {0, 1});
@@ -332,17 +330,14 @@ TEST_F(ChartRender, LogAxisPlacesDecades) {
   ASSERT_EQ(ticks.size(), 24u);
   EXPECT_NEAR((ticks[0][0].x - box.left) / box.width, 0.30103 / 3, 1e-4);  // 2
   EXPECT_NEAR((ticks[7][0].x - box.left) / box.width, 0.95424 / 3, 1e-4);  // 9
-}
 
-// The probability axis: 17 ticks spaced by the 16 increments.
-TEST_F(ChartRender, ProbabilityAxisTicks) {
-  GraphInput in;
-  in.SetAxis(0, 0, 1, {0, 1});
-  std::vector<double> ticks(17, 1.0);
-  in.SetAxis(1, -6.907, 1.933, ticks, 2);
-  in.Draw(1, 6);
-  auto all = Svg(6);
-  Box box = FrameBox(all);
+  // The probability axis: 17 ticks spaced by the 16 increments.
+  GraphInput probability;
+  probability.SetAxis(0, 0, 1, {0, 1});
+  probability.SetAxis(1, -6.907, 1.933, std::vector<double>(17, 1.0), 2);
+  probability.Draw(1, 6);
+  all = Svg(6);
+  box = FrameBox(all);
   auto tickPaths = WithClass(all, "path", "tick");
   ASSERT_EQ(tickPaths.size(), 2u);
   auto y = PathPoints(*tickPaths[1]);
@@ -424,8 +419,9 @@ TEST_F(ChartRender, ThreeDimensionalGraphProjectsTheCube) {
   EXPECT_NEAR(line[0].y, bottom - (0.25 + s) * k, 0.02);
 }
 
-// A pane whose analysis failed shows its message in the middle and no axes.
-TEST_F(ChartRender, MessageOnlyGraph) {
+// A pane whose analysis failed shows its message in the middle and no axes;
+// an unknown graph gives nothing.
+TEST_F(ChartRender, MessageOnlyAndUnknownGraphs) {
   GraphInput in;
   in.AddText(20, "No results", 0, 1.0);
   in.Draw(1, 8);
@@ -435,9 +431,7 @@ TEST_F(ChartRender, MessageOnlyGraph) {
   ASSERT_EQ(message.size(), 1u);
   EXPECT_EQ(message[0]->text, "No results");
   EXPECT_EQ(message[0]->Attr("x"), "320");
-}
 
-TEST_F(ChartRender, UnknownGraphGivesNothing) {
   EXPECT_EQ(zvchart::ChartRenderSvg(404), "");
   EXPECT_FALSE(zvchart::ChartRenderPng(404, ZV_BIN_DIR "/never.png"));
   EXPECT_EQ(zvchart::RenderWindowSvg(404), "");

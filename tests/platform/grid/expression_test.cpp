@@ -201,7 +201,7 @@ TEST_F(ExpressionTest, ReportsWhatIsWrongAndWhere) {
   }
 }
 
-TEST_F(ExpressionTest, RefusesEmptyAndOverlongTexts) {
+TEST_F(ExpressionTest, RefusesEmptyOverlongAndDeeplyNestedTexts) {
   Load("A\n1\n");
   const std::string longest = "1" + std::string(126, ' ');
   EXPECT_EQ(GridOpenExpression(longest.c_str()), 1);
@@ -223,10 +223,7 @@ TEST_F(ExpressionTest, RefusesEmptyAndOverlongTexts) {
     EXPECT_EQ(GridOpenExpression(row.text.c_str()), 0);
     EXPECT_EQ(OnlyMessage(), row.message);
   }
-}
 
-TEST_F(ExpressionTest, LimitsNesting) {
-  Load("A\n1\n");
   const auto nested = [](int depth) {
     return std::string(static_cast<size_t>(depth), '(') + "A" +
            std::string(static_cast<size_t>(depth), ')');

@@ -37,7 +37,7 @@ std::string CellText(int32_t column, int32_t row) {
   return std::string(buffer, strnlen(buffer, sizeof buffer));
 }
 
-TEST_F(GridOperationsTest, DescribesTheColumns) {
+TEST_F(GridOperationsTest, DescribesAndReadsTheColumns) {
   Load(kSheet);
   std::vector<char> records(static_cast<size_t>(kGridMaxColumns) * kGridNameBytes, 'z');
   ASSERT_EQ(GridListColumns(records.data()), 3);
@@ -53,10 +53,7 @@ TEST_F(GridOperationsTest, DescribesTheColumns) {
   EXPECT_EQ(GridColumnType(3), 'N');
   EXPECT_EQ(GridColumnType(-1), 'N');
   EXPECT_EQ(GridColumnWidth(7), 0);
-}
 
-TEST_F(GridOperationsTest, ReadsCellsAndMissingPastTheEnd) {
-  Load(kSheet);
   ASSERT_TRUE(zvgrid::AddNumericColumn("Two", {5.5}));
   EXPECT_EQ(CellNumber(1, 1), 60.0);
   EXPECT_EQ(CellNumber(1, 3), kMissing);
@@ -146,7 +143,7 @@ TEST_F(GridOperationsTest, SavesResultColumnsAsTheModuleDoes) {
   EXPECT_EQ(GridRowCount(), 3);
 }
 
-TEST_F(GridOperationsTest, RetypesColumnsThroughTheirText) {
+TEST_F(GridOperationsTest, RetypesResizesAndClearsColumns) {
   Load("N,C\n1.5,2\n,x\n-2,\n");
   GridSetColumnType(1, 'C', 3, 1);
   EXPECT_EQ(Columns()[0].texts, (std::vector<std::string>{"1.5", "", "-2"}));
@@ -161,9 +158,7 @@ TEST_F(GridOperationsTest, RetypesColumnsThroughTheirText) {
   GridSetColumnLength(9, 2, 0);
   GridClearColumn(-1);
   EXPECT_EQ(Columns().size(), 1u);
-}
 
-TEST_F(GridOperationsTest, ResizesAndClearsColumns) {
   Load("N,C\n1,a\n2,b\n");
   GridSetColumnLength(1, 4, 0);
   EXPECT_EQ(Columns()[0].numbers, (std::vector<double>{1, 2, kMissing, kMissing}));
@@ -214,7 +209,7 @@ TEST_F(GridOperationsTest, NamesAColumnOnlyWhenTheExpressionIsJustIt) {
   EXPECT_TRUE(WinMessageBoxLog().empty());
 }
 
-TEST_F(GridOperationsTest, StepsThroughTheRowsOfAnExpression) {
+TEST_F(GridOperationsTest, StepsThroughTheRowsOfNumberAndTextExpressions) {
   Load(kSheet);
   ASSERT_EQ(GridOpenExpression("Weight / 10"), 1);
   EXPECT_EQ(GridExpressionInfo(0), 3);
@@ -232,10 +227,8 @@ TEST_F(GridOperationsTest, StepsThroughTheRowsOfAnExpression) {
   // Closed: nothing is open any more.
   EXPECT_EQ(GridExpressionInfo(0), 0);
   EXPECT_EQ(GridExpressionInfo(3), -1);
-}
 
-TEST_F(GridOperationsTest, DeliversWidthCharactersPerRowOfATextExpression) {
-  Load(kSheet);
+  // A text expression delivers its width in characters per row.
   ASSERT_EQ(GridOpenExpression("'Group'"), 1);
   EXPECT_EQ(GridExpressionInfo(1), 'C');
   EXPECT_EQ(GridExpressionInfo(2), 2);

@@ -108,35 +108,35 @@ class DialogTest : public testing::Test {
 TEST_F(DialogTest, EachActionChangesItsControlAndNotifies) {
   RecordingDialog dialog;
   bool inspected = false;
-  int32_t result = Run(
-      dialog,
-      {Act::SetText(101, "0.90"), Act::Check(103, 1), Act::Select(104, 1),
-       Act::Select(105, 1), Act::SelectRadio(202), Act::Press(121), Act::DoubleClick(104, 0),
-       Act::SetText(102, "Time\r\nStatus\r\nGroup"), Act::SetSelection(102, 8, 14)},
-      [&](RecordingDialog& d) {
-        inspected = true;
-        EXPECT_EQ(d.GetItemText(101), "0.90");
-        int32_t start = -1, end = -1;
-        d.GetSelection(101, &start, &end);
-        EXPECT_EQ(start, 4) << "the caret goes to the end of typed text";
-        EXPECT_EQ(end, 4);
-        EXPECT_EQ(d.IsChecked(103), 1);
-        EXPECT_EQ(d.ListCurSel(104), 0);
-        EXPECT_EQ(d.ListCurSel(105), 1);
-        EXPECT_EQ(d.GetItemText(105), "Bars") << "a combo box shows its selection";
-        EXPECT_EQ(d.IsChecked(201), 0);
-        EXPECT_EQ(d.IsChecked(202), 1);
-        EXPECT_EQ(d.IsChecked(301), 1) << "another group was touched";
-        d.GetSelection(102, &start, &end);
-        EXPECT_EQ(start, 8);
-        EXPECT_EQ(end, 14);
-        EXPECT_EQ(d.FocusItem(), 102);
-      });
+  int32_t result =
+      Run(dialog,
+          {Act::SetText(101, "0.90"), Act::Check(103, 1), Act::Select(104, 1), Act::Select(105, 1),
+           Act::SelectRadio(202), Act::Press(121), Act::DoubleClick(104, 0),
+           Act::SetText(102, "Time\r\nStatus\r\nGroup"), Act::SetSelection(102, 8, 14)},
+          [&](RecordingDialog& d) {
+            inspected = true;
+            EXPECT_EQ(d.GetItemText(101), "0.90");
+            int32_t start = -1, end = -1;
+            d.GetSelection(101, &start, &end);
+            EXPECT_EQ(start, 4) << "the caret goes to the end of typed text";
+            EXPECT_EQ(end, 4);
+            EXPECT_EQ(d.IsChecked(103), 1);
+            EXPECT_EQ(d.ListCurSel(104), 0);
+            EXPECT_EQ(d.ListCurSel(105), 1);
+            EXPECT_EQ(d.GetItemText(105), "Bars") << "a combo box shows its selection";
+            EXPECT_EQ(d.IsChecked(201), 0);
+            EXPECT_EQ(d.IsChecked(202), 1);
+            EXPECT_EQ(d.IsChecked(301), 1) << "another group was touched";
+            d.GetSelection(102, &start, &end);
+            EXPECT_EQ(start, 8);
+            EXPECT_EQ(end, 14);
+            EXPECT_EQ(d.FocusItem(), 102);
+          });
   EXPECT_TRUE(inspected);
   EXPECT_EQ(result, kIdCancel);
   EXPECT_EQ(said, "");
-  const std::vector<std::string> expected = {
-      "101/768", "103/0", "104/1", "105/1", "202/0", "121/0", "104/2", "102/768", "cancel"};
+  const std::vector<std::string> expected = {"101/768", "103/0", "104/1",   "105/1", "202/0",
+                                             "121/0",   "104/2", "102/768", "cancel"};
   EXPECT_EQ(dialog.events, expected);
 
   ASSERT_EQ(WinDialogLog().size(), 1u);
@@ -152,7 +152,11 @@ TEST_F(DialogTest, EachActionChangesItsControlAndNotifies) {
 }
 
 TEST_F(DialogTest, ImpossibleActionsAreRefusedAndTheRunGoesOn) {
-  struct Row { int line; DialogAction action; const char* message; };
+  struct Row {
+    int line;
+    DialogAction action;
+    const char* message;
+  };
   const Row rows[] = {
       {__LINE__, Act::Press(999), "dialog 500: control 999 does not exist"},
       {__LINE__, Act::SetText(120, "x"), "dialog 500: control 120 is disabled"},
@@ -177,39 +181,36 @@ TEST_F(DialogTest, ImpossibleActionsAreRefusedAndTheRunGoesOn) {
   }
 }
 
-TEST_F(DialogTest, RefusingOkKeepsTheDialogOpenForTheNextAction) {
+// How a run ends: a refused OK keeps the dialog open for the next action and
+// nothing after the end is played; running out of actions cancels, even when
+// the dialog refuses the first cancel or no driver is set; a script that never ends is cut off.
+TEST_F(DialogTest, RunsEndOnOkCancelOrTheActionLimit) {
   RecordingDialog dialog;
   EXPECT_EQ(Run(dialog, {Act::Press(121), Act::Press(kIdOk), Act::SetText(101, "ok"),
                          Act::Press(kIdOk), Act::Press(121)}),
             kIdOk);
-  EXPECT_EQ(dialog.events, (std::vector<std::string>{"121/0", "ok", "101/768", "ok"}))
-      << "an action after the end was played";
+  EXPECT_EQ(dialog.events, (std::vector<std::string>{"121/0", "ok", "101/768", "ok"}));
   EXPECT_EQ(WinDialogLog().back().finalTexts.front(), (std::pair<int32_t, std::string>{101, "ok"}));
-}
 
-TEST_F(DialogTest, RunningOutOfActionsCancelsEvenWhenCancelIsRefused) {
-  RecordingDialog dialog;
-  dialog.refuseCancel = true;
-  EXPECT_EQ(Run(dialog, {Act::Press(kIdCancel)}), kIdCancel);
-  EXPECT_EQ(dialog.events, (std::vector<std::string>{"cancel", "cancel"}));
-
+  RecordingDialog refusing;
+  refusing.refuseCancel = true;
+  EXPECT_EQ(Run(refusing, {Act::Press(kIdCancel)}), kIdCancel);
+  EXPECT_EQ(refusing.events, (std::vector<std::string>{"cancel", "cancel"}));
   RecordingDialog undriven;  // no driver at all
   testing::internal::CaptureStderr();
   EXPECT_EQ(undriven.DoModal(), kIdCancel);
   testing::internal::GetCapturedStderr();
   EXPECT_EQ(undriven.events, (std::vector<std::string>{"cancel"}));
-}
 
-TEST_F(DialogTest, RunawayScriptIsCutOff) {
   struct Forever : WinDialogDriver {
     std::optional<DialogAction> NextAction(WinDialog&) override { return Act::Press(121); }
-  } driver;
-  RecordingDialog dialog;
-  WinSetDialogDriver(&driver);
+  } forever;
+  RecordingDialog runaway;
+  WinSetDialogDriver(&forever);
   testing::internal::CaptureStderr();
-  EXPECT_EQ(dialog.DoModal(), kIdCancel);
+  EXPECT_EQ(runaway.DoModal(), kIdCancel);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("10000 actions without an end"));
-  EXPECT_EQ(dialog.events.size(), 10000u);
+  EXPECT_EQ(runaway.events.size(), 10000u);
   EXPECT_EQ(WinDialogLog().back().actions, 10000);
 }
 
@@ -243,7 +244,9 @@ TEST_F(DialogTest, EditOperationsForListFields) {
         d.SetSelection(102, 0, 4);
         d.ReplaceSelection(102, "Age");  // replaces "Time"
         EXPECT_EQ(d.GetItemText(102), "Age\r\nGroup\r\nStatus");
-        struct Row { int32_t position, line; };
+        struct Row {
+          int32_t position, line;
+        };
         for (Row r : {Row{0, 0}, Row{4, 0}, Row{5, 1}, Row{12, 2}, Row{100, 2}}) {
           SCOPED_TRACE(r.position);
           EXPECT_EQ(d.LineFromChar(102, r.position), r.line);
@@ -262,8 +265,9 @@ TEST_F(DialogTest, FocusEnableAndControlsOnlyWhileOpen) {
   dialog.onCommand = [](RecordingDialog& d, int32_t control) {
     if (control == 103) d.EnableItem(120, d.IsChecked(103) != 0);
   };
-  Run(dialog, {Act::Check(103, 1), Act::SetText(120, "now enabled"), Act::Check(103, 0),
-               Act::SetText(120, "refused")},
+  Run(dialog,
+      {Act::Check(103, 1), Act::SetText(120, "now enabled"), Act::Check(103, 0),
+       Act::SetText(120, "refused")},
       [](RecordingDialog& d) {
         EXPECT_FALSE(d.IsEnabled(120));
         EXPECT_EQ(d.GetItemText(120), "now enabled");
@@ -326,10 +330,6 @@ TEST_F(DialogTest, ScriptedDriverPlaysNestedDialogsInOrder) {
               HasSubstr("dialog 500 opened after the last script"));
   EXPECT_EQ(driver.Unexpected(), (std::vector<uint32_t>{500}));
 }
-
-}  // namespace
-
-namespace {
 
 TEST_F(DialogTest, ExceptionFromAHandlerLeavesNoDeadDialogBehind) {
   WindowRef frame = WinCreateWindow("frame");

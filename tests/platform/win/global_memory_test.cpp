@@ -41,7 +41,7 @@ TEST_F(GlobalMemoryTest, BlockIsZeroFilledAndItsContentSurvivesEveryMove) {
   WinGlobalFree(block);
 }
 
-TEST_F(GlobalMemoryTest, NestedLocksKeepTheAddressUntilTheLastUnlock) {
+TEST_F(GlobalMemoryTest, LockedOrNotMovingTheAddressStays) {
   Handle block = WinGlobalAlloc(16);
   void* outer = WinGlobalLock(block);
   void* inner = WinGlobalLock(block);
@@ -56,11 +56,9 @@ TEST_F(GlobalMemoryTest, NestedLocksKeepTheAddressUntilTheLastUnlock) {
   EXPECT_EQ(WinGlobalLockCount(block), 0);
   EXPECT_EQ(WinLockedBlockCount(), 0u);
   WinGlobalFree(block);
-}
 
-TEST_F(GlobalMemoryTest, WithoutMovingTheAddressStays) {
-  WinSetMovingBlocks(false);
-  Handle block = WinGlobalAlloc(8);
+  WinSetMovingBlocks(false);  // then a block stays where it is between locks
+  block = WinGlobalAlloc(8);
   void* first = WinGlobalLock(block);
   WinGlobalUnlock(block);
   EXPECT_EQ(WinGlobalLock(block), first);
@@ -68,9 +66,12 @@ TEST_F(GlobalMemoryTest, WithoutMovingTheAddressStays) {
   WinGlobalFree(block);
 }
 
+// A freed handle is never handed out again, so a stale one stays dead.
 TEST_F(GlobalMemoryTest, FreedUnknownAndZeroHandlesAreHarmless) {
   Handle block = WinGlobalAlloc(8);
   WinGlobalFree(block);
+  Handle next = WinGlobalAlloc(8);
+  EXPECT_NE(next, block);
   for (Handle h : {block, Handle{0}, Handle{12345}}) {
     SCOPED_TRACE(h);
     EXPECT_EQ(WinGlobalLock(h), nullptr);
@@ -84,6 +85,7 @@ TEST_F(GlobalMemoryTest, FreedUnknownAndZeroHandlesAreHarmless) {
   std::string said = testing::internal::GetCapturedStderr();
   EXPECT_NE(said.find("not a live block"), std::string::npos) << said;
   EXPECT_NE(said.find("not locked"), std::string::npos) << said;
+  WinGlobalFree(next);
 }
 
 TEST_F(GlobalMemoryTest, SizeLimitIsOneGibibyte) {
@@ -110,15 +112,6 @@ TEST_F(GlobalMemoryTest, InjectedFailureHitsExactlyTheChosenAllocation) {
   WinFailAllocationsAfter(0);
   EXPECT_EQ(WinGlobalAlloc(4), 0u);
   for (Handle h : {a, b, d}) WinGlobalFree(h);
-}
-
-TEST_F(GlobalMemoryTest, HandlesAreNeverReused) {
-  Handle first = WinGlobalAlloc(4);
-  WinGlobalFree(first);
-  Handle second = WinGlobalAlloc(4);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(WinGlobalLock(first), nullptr);
-  WinGlobalFree(second);
 }
 
 #if defined(__SANITIZE_ADDRESS__)
