@@ -64,8 +64,8 @@ BENCHMARK(BM_PoissonInverse)->Arg(4)->Arg(150);
 
 void BM_QuadratureCdf(benchmark::State& state) {
   const int32_t id = static_cast<int32_t>(state.range(0));
-  zv::DistributionParameters r{{id == zv::kDistGamma ? 2.5 : 6.0, id == zv::kDistGamma ? 1.5 : 12.0,
-                                0, 0}};
+  zv::DistributionParameters r{
+      {id == zv::kDistGamma ? 2.5 : 6.0, id == zv::kDistGamma ? 1.5 : 12.0, 0, 0}};
   zv::PrepareDistributionParameters(id, r.p, 1);
   double x = 0.1;
   for (auto _ : state) {

@@ -74,13 +74,24 @@ void FormatDate(char* buffer, double value, char type) {
       DayDate(n, &day, &month, &year);
       for (int field = 0; field < 3; ++field) {
         switch (gDateOrder[field]) {
-          case 'D': out.Put("%02lld", day); break;
-          case 'd': out.Put("%lld", day); break;
-          case 'M': out.Put("%02lld", month); break;
-          case 'm': out.Put("%lld", month); break;
+          case 'D':
+            out.Put("%02lld", day);
+            break;
+          case 'd':
+            out.Put("%lld", day);
+            break;
+          case 'M':
+            out.Put("%02lld", month);
+            break;
+          case 'm':
+            out.Put("%lld", month);
+            break;
           case 'Y':
-          case 'y': out.Put("%02lld", year); break;
-          default: break;
+          case 'y':
+            out.Put("%02lld", year);
+            break;
+          default:
+            break;
         }
         if (field < 2) out.Put(gDateOrder[3]);
       }
@@ -96,11 +107,18 @@ void FormatDate(char* buffer, double value, char type) {
       const int64_t part = (m - 1) % perYear + 1;
       for (int field = 0; field < 2; ++field) {
         switch (gMonthYearOrder[field]) {
-          case 'M': out.Put(type == 'M' ? "%2lld" : "Q%lld", part); break;
-          case 'm': out.Put(type == 'M' ? "%lld" : "Q%lld", part); break;
+          case 'M':
+            out.Put(type == 'M' ? "%2lld" : "Q%lld", part);
+            break;
+          case 'm':
+            out.Put(type == 'M' ? "%lld" : "Q%lld", part);
+            break;
           case 'Y':
-          case 'y': out.Put(type == 'M' ? "%2lld" : "%02lld", year); break;
-          default: break;
+          case 'y':
+            out.Put(type == 'M' ? "%2lld" : "%02lld", year);
+            break;
+          default:
+            break;
         }
         if (field == 0) out.Put(gMonthYearOrder[2]);
       }

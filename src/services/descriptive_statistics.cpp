@@ -117,9 +117,9 @@ void ComputeSummary(const double* values, int32_t n, const int32_t* flags, doubl
   if (flags[kStatRange]) results[kStatRange] = maximum - minimum;
   if (wantLogs && positive) results[kStatGeometricMean] = GuardedExp(sumLogs / c);
 
-  if (Wanted(flags, {kStatVariance, kStatStandardDeviation, kStatStandardError,
-                     kStatSkewness, kStatStandardizedSkewness, kStatKurtosis,
-                     kStatStandardizedKurtosis, kStatCoefficientOfVariation})) {
+  if (Wanted(flags, {kStatVariance, kStatStandardDeviation, kStatStandardError, kStatSkewness,
+                     kStatStandardizedSkewness, kStatKurtosis, kStatStandardizedKurtosis,
+                     kStatCoefficientOfVariation})) {
     double s2 = 0.0, s3 = 0.0, s4 = 0.0;
     for (int32_t i = 0; i < n; ++i) {
       if (values[i] == kMissingValue) continue;

@@ -31,8 +31,8 @@ inline constexpr int kStatCoefficientOfVariation = 18;  // in percent
 inline constexpr int kStatSum = 19;
 
 // Every flag set: what Codebook and Rowwise ask for.
-inline constexpr int32_t kAllStatistics[kStatisticsRecordSize] = {
-    1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+inline constexpr int32_t kAllStatistics[kStatisticsRecordSize] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1,
+                                                                  1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
 
 // Statistics of the `n` values (MissingValue rows are skipped) into
 // `results` (20 doubles, all set to MissingValue first); result i is

@@ -14,7 +14,7 @@ namespace zv {
 
 struct DataExchange {
   WinDialog& dialog;
-  bool saving;          // true: controls to members (OK); false: members to controls
+  bool saving;  // true: controls to members (OK); false: members to controls
   bool failed = false;
 };
 

@@ -15,7 +15,7 @@ namespace zv {
 
 // Reserved results.
 inline constexpr double kNormalQuantileInfinity = 1e200;  // +/- at p = 1 and p = 0
-inline constexpr double kBetaQuantileFloor = 1e-14;        // smallest BetaQuantile for p > 0
+inline constexpr double kBetaQuantileFloor = 1e-14;       // smallest BetaQuantile for p > 0
 
 // Lower-tail probability of the standard normal at z.
 double NormalCdf(double z);

@@ -1,12 +1,13 @@
 // Field exchange, range checks and their messages, run inside a real modal
 // dialog driven by a scripted user.
+#include "services/dialog_exchange.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 
 #include "frame/module_state.h"
-#include "services/dialog_exchange.h"
 #include "support/module_fixture.h"
 
 namespace {
@@ -36,13 +37,18 @@ class ExchangeDialog : public WinDialog {
 class ExchangeTest : public ModuleFixture {};
 
 TEST_F(ExchangeTest, NumbersParseWithTheLocaleAndRefuseGarbage) {
-  struct Row { int line; const char* text; bool ok; double value; };
+  struct Row {
+    int line;
+    const char* text;
+    bool ok;
+    double value;
+  };
   constexpr Row kRows[] = {
-      {__LINE__, "1.5", true, 1.5},   {__LINE__, " 2.5e3 ", true, 2500.0},
-      {__LINE__, "0", true, 0.0},     {__LINE__, "-3", true, -3.0},
-      {__LINE__, "1.5x", false, 0},   {__LINE__, "abc", false, 0},
-      {__LINE__, "0abc", false, 0},   {__LINE__, ".0", false, 0},  // 0 not from a leading '0'
-      {__LINE__, "", false, 0},       {__LINE__, "inf", false, 0},
+      {__LINE__, "1.5", true, 1.5}, {__LINE__, " 2.5e3 ", true, 2500.0},
+      {__LINE__, "0", true, 0.0},   {__LINE__, "-3", true, -3.0},
+      {__LINE__, "1.5x", false, 0}, {__LINE__, "abc", false, 0},
+      {__LINE__, "0abc", false, 0}, {__LINE__, ".0", false, 0},  // 0 not from a leading '0'
+      {__LINE__, "", false, 0},     {__LINE__, "inf", false, 0},
   };
   for (const Row& r : kRows) {
     SCOPED_TRACE(r.line);

@@ -49,7 +49,8 @@ TEST_F(Inversion, HandWorkedInverses) {
       {__LINE__, {5.0}, {0.2}},
       {__LINE__, {4, 7, 2, 6}, {0.6, -0.7, -0.2, 0.4}},
       {__LINE__, {0, 1, 1, 0}, {0, 1, 1, 0}},  // needs a row swap
-      {__LINE__, {2, -1, 0, -1, 2, -1, 0, -1, 2},
+      {__LINE__,
+       {2, -1, 0, -1, 2, -1, 0, -1, 2},
        {0.75, 0.5, 0.25, 0.5, 1.0, 0.5, 0.25, 0.5, 0.75}},
   };
   for (const Row& r : kRows) {
@@ -101,12 +102,8 @@ TEST_F(Inversion, SingularMatricesAreRefused) {
     Matrix a;
   };
   const Row kRows[] = {
-      {__LINE__, {0.0}},
-      {__LINE__, {1e-11}},
-      {__LINE__, {-1e-10}},
-      {__LINE__, {1, 2, 0, 0}},
-      {__LINE__, {1, 2, 2, 4}},
-      {__LINE__, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+      {__LINE__, {0.0}},          {__LINE__, {1e-11}},      {__LINE__, {-1e-10}},
+      {__LINE__, {1, 2, 0, 0}},   {__LINE__, {1, 2, 2, 4}}, {__LINE__, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
       {__LINE__, {nan, 1, 1, 1}},
   };
   for (const Row& r : kRows) {

@@ -8,9 +8,9 @@
 
 #include "analysis_run.h"
 #include "demo_command.h"
-#include "protocol/families.h"
 #include "host_start.h"
 #include "pane_output.h"
+#include "protocol/families.h"
 #include "zivara_exit.h"
 #include "zvgrid/sheet.h"
 

@@ -110,7 +110,9 @@ void RecordToOptions(const zv::PaneRecord& record, int32_t* words, double* reals
   }
 }
 
-const ChartOptions& CurrentOptions() { return TheOptions(); }
+const ChartOptions& CurrentOptions() {
+  return TheOptions();
+}
 
 }  // namespace zvchart
 

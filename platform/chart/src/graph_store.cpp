@@ -20,7 +20,9 @@ Store& TheStore() {
   return store;
 }
 
-int32_t NonNegative(int32_t n) { return n < 0 ? 0 : n; }
+int32_t NonNegative(int32_t n) {
+  return n < 0 ? 0 : n;
+}
 
 std::vector<double> CopyDoubles(const double* from, size_t count) {
   if (from == nullptr) return {};
@@ -98,25 +100,28 @@ const StoredGraph* FindGraphByWindow(WindowRef window) {
   return best;
 }
 
-size_t GraphCount() { return TheStore().graphs.size(); }
+size_t GraphCount() {
+  return TheStore().graphs.size();
+}
 
-void ReleaseAllGraphs() { TheStore().graphs.clear(); }
+void ReleaseAllGraphs() {
+  TheStore().graphs.clear();
+}
 
 }  // namespace zvchart
 
 using zvchart::StoredGraph;
 
-void ChartDraw(WindowRef window, int32_t graphId, const int32_t* frame,
-               const int32_t* elementTable, int32_t elementCount, const double* elementPoints,
-               int32_t pointCount, int32_t pointWidth, const int32_t* shapeTable,
-               int32_t shapeCount, const double* shapePoints, int32_t shapePointCount,
-               const int32_t* markTable, int32_t markCount, const double* markPoints,
-               int32_t markPointCount, const int32_t* textItems, int32_t textItemCount,
-               const double* textNumbers, const char* textStrings, int32_t textStringCount,
-               const char* titleLines, const int32_t* titleLengths, const double* reals,
-               const int32_t* words, const double* pairX, const double* pairY,
-               const double* pairZ, const double* pairId, int32_t pairCount, int32_t rowCount,
-               int32_t slot, zv::ProcedureState* state) {
+void ChartDraw(WindowRef window, int32_t graphId, const int32_t* frame, const int32_t* elementTable,
+               int32_t elementCount, const double* elementPoints, int32_t pointCount,
+               int32_t pointWidth, const int32_t* shapeTable, int32_t shapeCount,
+               const double* shapePoints, int32_t shapePointCount, const int32_t* markTable,
+               int32_t markCount, const double* markPoints, int32_t markPointCount,
+               const int32_t* textItems, int32_t textItemCount, const double* textNumbers,
+               const char* textStrings, int32_t textStringCount, const char* titleLines,
+               const int32_t* titleLengths, const double* reals, const int32_t* words,
+               const double* pairX, const double* pairY, const double* pairZ, const double* pairId,
+               int32_t pairCount, int32_t rowCount, int32_t slot, zv::ProcedureState* state) {
   using namespace zvchart;
   StoredGraph g;
   g.graphId = graphId;
@@ -193,4 +198,6 @@ void ChartDraw(WindowRef window, int32_t graphId, const int32_t* frame,
   TheStore().graphs[graphId] = std::move(g);
 }
 
-void ChartRelease(int32_t graphId) { zvchart::TheStore().graphs.erase(graphId); }
+void ChartRelease(int32_t graphId) {
+  zvchart::TheStore().graphs.erase(graphId);
+}

@@ -1,9 +1,9 @@
-#include "zvcounsel/zvcounsel.h"
-
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include "zvcounsel/zvcounsel.h"
 
 namespace {
 
@@ -19,9 +19,13 @@ constexpr const char* kGraphAdvice =
 
 }  // namespace
 
-void CounselSetInterpreter(CounselInterpreter interpreter) { gInterpreter = interpreter; }
+void CounselSetInterpreter(CounselInterpreter interpreter) {
+  gInterpreter = interpreter;
+}
 
-int32_t CounselPaneWidth() { return 80; }
+int32_t CounselPaneWidth() {
+  return 80;
+}
 
 void CounselWrite(zv::ProcedureState* state, int32_t item, char* buffer, int32_t size,
                   int32_t /*zero*/, int32_t graph) {

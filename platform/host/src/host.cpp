@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "host_call.h"
-#include "zvcounsel/zvcounsel.h"
 #include "text_column_note.h"
+#include "zvcounsel/zvcounsel.h"
 
 namespace zvhost {
 

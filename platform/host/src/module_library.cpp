@@ -15,7 +15,9 @@ size_t FamilyIndex(const FamilySpec& family) {
 
 }  // namespace
 
-ModuleLibrary::~ModuleLibrary() { Close(); }
+ModuleLibrary::~ModuleLibrary() {
+  Close();
+}
 
 bool ModuleLibrary::Open(const std::string& path, std::string* error) {
   Close();

@@ -20,7 +20,7 @@ struct Control {
   std::string text;
   bool groupStart = false;
   bool enabled = true;
-  int32_t state = 0;  // check boxes and radio buttons
+  int32_t state = 0;                 // check boxes and radio buttons
   int32_t selStart = 0, selEnd = 0;  // edit controls; equal for a plain caret
   int32_t firstVisibleLine = 0;
   std::vector<std::string> entries;  // list and combo boxes
@@ -40,16 +40,26 @@ Engine& State() {
 
 const char* KindName(ControlKind kind) {
   switch (kind) {
-    case ControlKind::kStatic: return "a static text";
-    case ControlKind::kEdit: return "an edit control";
-    case ControlKind::kMultiLineEdit: return "a multi-line edit control";
-    case ControlKind::kCheckBox: return "a check box";
-    case ControlKind::kRadio: return "a radio button";
-    case ControlKind::kListBox: return "a list box";
-    case ControlKind::kComboBox: return "a combo box";
-    case ControlKind::kButton: return "a button";
-    case ControlKind::kImageButton: return "an image button";
-    case ControlKind::kGroupBox: return "a group box";
+    case ControlKind::kStatic:
+      return "a static text";
+    case ControlKind::kEdit:
+      return "an edit control";
+    case ControlKind::kMultiLineEdit:
+      return "a multi-line edit control";
+    case ControlKind::kCheckBox:
+      return "a check box";
+    case ControlKind::kRadio:
+      return "a radio button";
+    case ControlKind::kListBox:
+      return "a list box";
+    case ControlKind::kComboBox:
+      return "a combo box";
+    case ControlKind::kButton:
+      return "a button";
+    case ControlKind::kImageButton:
+      return "an image button";
+    case ControlKind::kGroupBox:
+      return "a group box";
   }
   return "an unknown control";
 }
@@ -71,7 +81,9 @@ bool TakesFocus(ControlKind kind) {
   return kind != ControlKind::kStatic && kind != ControlKind::kGroupBox;
 }
 
-int32_t TextLength(const std::string& text) { return static_cast<int32_t>(text.size()); }
+int32_t TextLength(const std::string& text) {
+  return static_cast<int32_t>(text.size());
+}
 
 }  // namespace
 
@@ -163,10 +175,18 @@ WinDialog::WinDialog(uint32_t templateId) : impl_(std::make_unique<Impl>()) {
 
 WinDialog::~WinDialog() = default;
 
-void WinSetDialogDriver(WinDialogDriver* driver) { State().driver = driver; }
-WinDialogDriver* WinGetDialogDriver() { return State().driver; }
-const std::vector<DialogRun>& WinDialogLog() { return State().log; }
-void WinClearDialogLog() { State().log.clear(); }
+void WinSetDialogDriver(WinDialogDriver* driver) {
+  State().driver = driver;
+}
+WinDialogDriver* WinGetDialogDriver() {
+  return State().driver;
+}
+const std::vector<DialogRun>& WinDialogLog() {
+  return State().log;
+}
+void WinClearDialogLog() {
+  State().log.clear();
+}
 
 int32_t WinDialog::DoModal() {
   Impl& d = *impl_;
@@ -299,8 +319,7 @@ bool WinDialog::Impl::Perform(WinDialog& dialog, const DialogAction& action) {
         return wrongKind(twice ? "double click" : "select in");
       }
       if (action.value < 0 || action.value >= static_cast<int32_t>(c->entries.size())) {
-        Say("list %d has %zu entries; there is no entry %d", id, c->entries.size(),
-            action.value);
+        Say("list %d has %zu entries; there is no entry %d", id, c->entries.size(), action.value);
         return false;
       }
       c->curSel = action.value;
@@ -349,8 +368,12 @@ void WinDialog::EndDialog(int32_t result) {
   if (impl_->running && !impl_->result) impl_->result = result;
 }
 
-uint32_t WinDialog::templateId() const { return impl_->templateId; }
-WindowRef WinDialog::window() const { return impl_->window; }
+uint32_t WinDialog::templateId() const {
+  return impl_->templateId;
+}
+WindowRef WinDialog::window() const {
+  return impl_->window;
+}
 
 std::string WinDialog::Caption() const {
   return impl_->window != 0 ? WinGetWindowText(impl_->window) : impl_->caption;
@@ -361,7 +384,9 @@ void WinDialog::SetCaption(std::string_view caption) {
   if (impl_->window != 0) WinSetWindowText(impl_->window, caption);
 }
 
-bool WinDialog::HasControl(int32_t id) const { return impl_->Find(id) != nullptr; }
+bool WinDialog::HasControl(int32_t id) const {
+  return impl_->Find(id) != nullptr;
+}
 
 ControlKind WinDialog::KindOf(int32_t id) const {
   const Control* c = impl_->For(id, nullptr, "KindOf");
@@ -413,7 +438,9 @@ void WinDialog::SetFocusItem(int32_t id) {
   if (impl_->For(id, nullptr, "SetFocusItem") != nullptr) impl_->focus = id;
 }
 
-int32_t WinDialog::FocusItem() const { return impl_->focus; }
+int32_t WinDialog::FocusItem() const {
+  return impl_->focus;
+}
 
 static bool HoldsImage(ControlKind kind) {
   return IsButton(kind) || kind == ControlKind::kStatic;
@@ -467,8 +494,7 @@ int32_t WinDialog::LineFromChar(int32_t id, int32_t position) const {
 void WinDialog::ScrollToLine(int32_t id, int32_t firstVisibleLine) {
   Control* c = impl_->For(id, IsEdit, "ScrollToLine");
   if (c == nullptr) return;
-  const int32_t lines =
-      1 + static_cast<int32_t>(std::count(c->text.begin(), c->text.end(), '\n'));
+  const int32_t lines = 1 + static_cast<int32_t>(std::count(c->text.begin(), c->text.end(), '\n'));
   c->firstVisibleLine = std::clamp(firstVisibleLine, 0, lines - 1);
 }
 

@@ -121,11 +121,17 @@ int32_t WinGlobalLockCount(Handle block) {
   return b == nullptr ? 0 : b->locks;
 }
 
-void WinSetMovingBlocks(bool on) { State().moving = on; }
+void WinSetMovingBlocks(bool on) {
+  State().moving = on;
+}
 
-void WinFailAllocationsAfter(int32_t n) { State().allocationsBeforeFailure = n < 0 ? -1 : n; }
+void WinFailAllocationsAfter(int32_t n) {
+  State().allocationsBeforeFailure = n < 0 ? -1 : n;
+}
 
-size_t WinLiveBlockCount() { return State().blocks.size(); }
+size_t WinLiveBlockCount() {
+  return State().blocks.size();
+}
 
 size_t WinLockedBlockCount() {
   size_t count = 0;

@@ -80,8 +80,8 @@ uint32_t WinGetProfileString(const char* section, const char* key, const char* d
                              char* buffer, uint32_t size) {
   if (buffer == nullptr || size == 0) return 0;
   std::optional<std::string> value = FindProfileValue(section, key);
-  std::string_view text = value ? std::string_view(*value)
-                                : std::string_view(defaultValue ? defaultValue : "");
+  std::string_view text =
+      value ? std::string_view(*value) : std::string_view(defaultValue ? defaultValue : "");
   size_t length = std::min<size_t>(text.size(), size - 1);
   std::memcpy(buffer, text.data(), length);
   buffer[length] = '\0';

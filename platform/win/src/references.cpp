@@ -64,7 +64,9 @@ void* WinResolve(uint32_t ref) {
   return it == References().end() ? nullptr : it->second;
 }
 
-void WinUnregister(uint32_t ref) { References().erase(ref); }
+void WinUnregister(uint32_t ref) {
+  References().erase(ref);
+}
 
 TextRef WinTextCreate(std::string_view text) {
   if (text.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max()) - 64) return 0;

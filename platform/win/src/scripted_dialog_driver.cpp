@@ -6,7 +6,9 @@
 ScriptedDialogDriver::ScriptedDialogDriver(std::vector<Script> scripts)
     : scripts_(std::move(scripts)) {}
 
-void ScriptedDialogDriver::Add(Script script) { scripts_.push_back(std::move(script)); }
+void ScriptedDialogDriver::Add(Script script) {
+  scripts_.push_back(std::move(script));
+}
 
 void ScriptedDialogDriver::DialogOpened(WinDialog& dialog) {
   Running run{&dialog, std::nullopt};
@@ -17,8 +19,7 @@ void ScriptedDialogDriver::DialogOpened(WinDialog& dialog) {
       std::fprintf(stderr, "script: dialog %u opened while the next script is for dialog %u\n",
                    dialog.templateId(), scripts_[nextScript_].templateId);
     } else {
-      std::fprintf(stderr, "script: dialog %u opened after the last script\n",
-                   dialog.templateId());
+      std::fprintf(stderr, "script: dialog %u opened after the last script\n", dialog.templateId());
     }
     unexpected_.push_back(dialog.templateId());
   }
@@ -41,6 +42,10 @@ std::optional<DialogAction> ScriptedDialogDriver::NextAction(WinDialog& dialog) 
   return actions[run.next++];
 }
 
-size_t ScriptedDialogDriver::ScriptsLeft() const { return scripts_.size() - nextScript_; }
+size_t ScriptedDialogDriver::ScriptsLeft() const {
+  return scripts_.size() - nextScript_;
+}
 
-const std::vector<uint32_t>& ScriptedDialogDriver::Unexpected() const { return unexpected_; }
+const std::vector<uint32_t>& ScriptedDialogDriver::Unexpected() const {
+  return unexpected_;
+}

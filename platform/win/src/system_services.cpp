@@ -37,9 +37,13 @@ void WinSetMessageBoxResponder(MessageBoxResponder responder) {
   State().responder = std::move(responder);
 }
 
-const std::vector<MessageBoxCall>& WinMessageBoxLog() { return State().boxes; }
+const std::vector<MessageBoxCall>& WinMessageBoxLog() {
+  return State().boxes;
+}
 
-void WinClearMessageBoxLog() { State().boxes.clear(); }
+void WinClearMessageBoxLog() {
+  State().boxes.clear();
+}
 
 int32_t WinGetVersionEx(WinOsVersionInfo* info) {
   if (info == nullptr || info->size != sizeof(WinOsVersionInfo)) return 0;
@@ -51,20 +55,30 @@ int32_t WinGetVersionEx(WinOsVersionInfo* info) {
   return 1;
 }
 
-void WinSetPlatformId(uint32_t platformId) { State().platformId = platformId; }
+void WinSetPlatformId(uint32_t platformId) {
+  State().platformId = platformId;
+}
 
 int32_t WinHelp(WindowRef window, const char* file, uint32_t command, uint32_t data) {
   State().help.push_back(HelpCall{window, file == nullptr ? "" : file, command, data});
   return 1;
 }
 
-const std::vector<HelpCall>& WinHelpLog() { return State().help; }
+const std::vector<HelpCall>& WinHelpLog() {
+  return State().help;
+}
 
-void WinClearHelpLog() { State().help.clear(); }
+void WinClearHelpLog() {
+  State().help.clear();
+}
 
-void WinWaitCursor(int32_t change) { State().waitCursor += change; }
+void WinWaitCursor(int32_t change) {
+  State().waitCursor += change;
+}
 
-int32_t WinWaitCursorLevel() { return State().waitCursor; }
+int32_t WinWaitCursorLevel() {
+  return State().waitCursor;
+}
 
 int32_t WinAppPreTranslateMessage(const WinMsg* message) {
   (void)message;  // no accelerators or dialog messages to translate here
@@ -73,4 +87,6 @@ int32_t WinAppPreTranslateMessage(const WinMsg* message) {
 
 // The classic idle handler: one pass to update the user interface (count 0),
 // one to free temporary objects (count 1), then no more work.
-int32_t WinAppOnIdle(int32_t count) { return count <= 1 ? 1 : 0; }
+int32_t WinAppOnIdle(int32_t count) {
+  return count <= 1 ? 1 : 0;
+}

@@ -99,7 +99,9 @@ void OnStart(void* data, const XML_Char* name, const XML_Char** attributes) {
   s->out->push_back(std::move(e));
 }
 
-void OnEnd(void* data, const XML_Char*) { static_cast<ParseState*>(data)->open.pop_back(); }
+void OnEnd(void* data, const XML_Char*) {
+  static_cast<ParseState*>(data)->open.pop_back();
+}
 
 void OnText(void* data, const XML_Char* text, int length) {
   auto* s = static_cast<ParseState*>(data);

@@ -1,12 +1,12 @@
 // The advice library: the module's interpretation through the registered
 // interpreter, a line of its own for graph panes, and never a byte past the
 // caller's size.
-#include "zvcounsel/zvcounsel.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
+
+#include "zvcounsel/zvcounsel.h"
 
 namespace {
 

@@ -34,11 +34,19 @@ Handle gLeaked = 0;
 int32_t gRadio = -1, gCheck = -1;
 std::string gOption141, gLines122;
 
-void Log(const std::string& line) { gLog += line + "\n"; }
+void Log(const std::string& line) {
+  gLog += line + "\n";
+}
 
-void Refresh(ProcedureState* s) { VtblOf<ProcedureStateVtbl>(s).RefreshPanes(s, 0, 0, 0); }
-void Modified() { VtblOf<HostRecordVtbl>(gHost).MarkModified(gHost, 1); }
-void Cursor(int32_t change) { VtblOf<HostHelpRecordVtbl>(gHelp).WaitCursor(gHelp, change); }
+void Refresh(ProcedureState* s) {
+  VtblOf<ProcedureStateVtbl>(s).RefreshPanes(s, 0, 0, 0);
+}
+void Modified() {
+  VtblOf<HostRecordVtbl>(gHost).MarkModified(gHost, 1);
+}
+void Cursor(int32_t change) {
+  VtblOf<HostHelpRecordVtbl>(gHelp).WaitCursor(gHelp, change);
+}
 
 // The variable dialog (template 60001): field 116, select 117, a list 122,
 // and a Transform button 119 that asks the Host to edit field 116.
@@ -98,8 +106,8 @@ void WriteEntryList(char* buffer) {
   std::memcpy(buffer, list.data(), list.size());
 }
 
-void SetupCommon(int32_t slot, ProcedureState* state, HostView* view, char* buffer,
-                 int32_t reopen, int32_t code, int32_t first, int32_t second) {
+void SetupCommon(int32_t slot, ProcedureState* state, HostView* view, char* buffer, int32_t reopen,
+                 int32_t code, int32_t first, int32_t second) {
   gStates[slot] = state;
   gViews[slot] = view;
   state->slot = slot;
@@ -190,21 +198,41 @@ int32_t OptsCommon(int32_t slot, int32_t item) {
 
 // --- what a test reads back --------------------------------------------
 
-FAKE_API const char* FakeLog() { return gLog.c_str(); }
-FAKE_API void FakeClearLog() { gLog.clear(); }
+FAKE_API const char* FakeLog() {
+  return gLog.c_str();
+}
+FAKE_API void FakeClearLog() {
+  gLog.clear();
+}
 FAKE_API void FakeNextEntryList(const char* bytes, int32_t size, int32_t first, int32_t second) {
   gNextEntryList.assign(bytes, static_cast<size_t>(size));
   gNextFirst = first;
   gNextSecond = second;
 }
-FAKE_API Handle FakeLeakedBlock() { return gLeaked; }
-FAKE_API ProcedureState* FakeState(int32_t slot) { return gStates[slot]; }
-FAKE_API const char* FakeAdvice() { return gAdvice; }
-FAKE_API int32_t FakeAdviceEnabled() { return gAdviceEnabled; }
-FAKE_API int32_t FakeRadio() { return gRadio; }
-FAKE_API int32_t FakeCheck() { return gCheck; }
-FAKE_API const char* FakeOption141() { return gOption141.c_str(); }
-FAKE_API const char* FakeLines122() { return gLines122.c_str(); }
+FAKE_API Handle FakeLeakedBlock() {
+  return gLeaked;
+}
+FAKE_API ProcedureState* FakeState(int32_t slot) {
+  return gStates[slot];
+}
+FAKE_API const char* FakeAdvice() {
+  return gAdvice;
+}
+FAKE_API int32_t FakeAdviceEnabled() {
+  return gAdviceEnabled;
+}
+FAKE_API int32_t FakeRadio() {
+  return gRadio;
+}
+FAKE_API int32_t FakeCheck() {
+  return gCheck;
+}
+FAKE_API const char* FakeOption141() {
+  return gOption141.c_str();
+}
+FAKE_API const char* FakeLines122() {
+  return gLines122.c_str();
+}
 
 // --- the module-level exports ---------------------------------------------
 
@@ -227,8 +255,12 @@ FAKE_API int32_t CallKeel4Interpret(ProcedureState* state, char* output, int32_t
 FAKE_API void Keel4SetAddedText(const char* text, int32_t flag) {
   Log(std::string("AddedText ") + text + " " + std::to_string(flag));
 }
-FAKE_API int32_t FilterDllMsg(const WinMsg*) { return 0; }
-FAKE_API int32_t ProcessDllIdle() { return 0; }
+FAKE_API int32_t FilterDllMsg(const WinMsg*) {
+  return 0;
+}
+FAKE_API int32_t ProcessDllIdle() {
+  return 0;
+}
 
 __attribute__((destructor)) static void FakeUnload() {
   if (gResources != 0) WinFreeLibrary(gResources);
@@ -252,7 +284,9 @@ __attribute__((destructor)) static void FakeUnload() {
                               int32_t reopen, int32_t) {                                          \
     SetupCommon(slot, state, view, buffer, reopen, code, first, second);                          \
   }                                                                                               \
-  FAKE_API int32_t Family##Begin(int32_t slot, int32_t, int32_t) { return BeginCommon(slot); }    \
+  FAKE_API int32_t Family##Begin(int32_t slot, int32_t, int32_t) {                                \
+    return BeginCommon(slot);                                                                     \
+  }                                                                                               \
   FAKE_API int32_t Family##BeginAgain(int32_t slot, ProcedureState* state, HostView* view,        \
                                       HostRecord* host, SheetWindow*, FrameWindow*, int32_t) {    \
     gStates[slot] = state;                                                                        \
@@ -261,17 +295,19 @@ __attribute__((destructor)) static void FakeUnload() {
     Log("BeginAgain " + std::to_string(slot));                                                    \
     return BeginCommon(slot);                                                                     \
   }                                                                                               \
-  FAKE_API int32_t Family##Item(PaneWindow* pane, int32_t slot, int32_t item,                     \
-                                PaneRecord* record, int32_t) {                                    \
+  FAKE_API int32_t Family##Item(PaneWindow* pane, int32_t slot, int32_t item, PaneRecord* record, \
+                                int32_t) {                                                        \
     return ItemCommon(pane, slot, item, record);                                                  \
   }                                                                                               \
   FAKE_API int32_t Family##Opts(PaneWindow*, int32_t slot, int32_t item, PaneRecord*, int32_t,    \
                                 int32_t, int32_t) {                                               \
     return OptsCommon(slot, item);                                                                \
   }                                                                                               \
-  FAKE_API void Family##Vsave(int32_t slot) { Log("Vsave " + std::to_string(slot)); }             \
-  FAKE_API int32_t Family##RedoItem1(PaneWindow* pane, int32_t slot, int32_t, int32_t,            \
-                                     int32_t, int32_t) {                                          \
+  FAKE_API void Family##Vsave(int32_t slot) {                                                     \
+    Log("Vsave " + std::to_string(slot));                                                         \
+  }                                                                                               \
+  FAKE_API int32_t Family##RedoItem1(PaneWindow* pane, int32_t slot, int32_t, int32_t, int32_t,   \
+                                     int32_t) {                                                   \
     ItemCommon(pane, slot, 1, nullptr);                                                           \
     for (int32_t i = 1; i < 14; ++i) gStates[slot]->paneStale[i] = 1;                             \
     return 1;                                                                                     \
@@ -294,7 +330,9 @@ FAKE_API void CustomSetup(int32_t slot, ProcedureState* state, HostView* view, c
                           int32_t reopen) {
   SetupCommon(slot, state, view, buffer, reopen, 5700, 3, 0);
 }
-FAKE_API int32_t CustomBegin(int32_t slot) { return BeginCommon(slot); }
+FAKE_API int32_t CustomBegin(int32_t slot) {
+  return BeginCommon(slot);
+}
 FAKE_API int32_t CustomBeginAgain(int32_t slot, ProcedureState* state, HostView* view,
                                   HostRecord* host, SheetWindow*, FrameWindow*) {
   gStates[slot] = state;

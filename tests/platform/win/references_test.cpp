@@ -24,7 +24,10 @@ TEST(References, RegisterResolveUnregister) {
 }
 
 TEST(CountedText, LengthStandsEightBytesBeforeTheCharacters) {
-  struct Row { int line; std::string text; };
+  struct Row {
+    int line;
+    std::string text;
+  };
   const Row rows[] = {
       {__LINE__, ""},
       {__LINE__, "Kaplan"},

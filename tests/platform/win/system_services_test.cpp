@@ -9,8 +9,7 @@ TEST(MessageBox, DefaultAnswersAndTheResponderAreRecorded) {
   WinSetMessageBoxResponder(nullptr);
   WindowRef owner = WinCreateWindow("frame");
   EXPECT_EQ(WinMessageBox(owner, "Saved.", "Zivara Suite", kMbOk | kMbIconInformation), kIdOk);
-  EXPECT_EQ(WinMessageBox(0, "Replace?", "Zivara Suite",
-                          kMbYesNo | kMbIconQuestion | kMbTaskModal),
+  EXPECT_EQ(WinMessageBox(0, "Replace?", "Zivara Suite", kMbYesNo | kMbIconQuestion | kMbTaskModal),
             kIdNo);
   WinSetMessageBoxResponder([](const MessageBoxCall& call) {
     return call.text == "Replace?" ? kIdYes : 0;  // 0 leaves the default

@@ -83,15 +83,15 @@ struct StoredGraph {
 
   int32_t pointWidth = 3;
   int32_t pointCount = 0;
-  std::vector<Polyline> elements;        // list A
+  std::vector<Polyline> elements;  // list A
   int32_t markPointCount = 0;
-  std::vector<MarkSeries> marks;         // list C
+  std::vector<MarkSeries> marks;  // list C
   int32_t shapePointCount = 0;
-  std::vector<ShapeSeries> shapes;       // list D
+  std::vector<ShapeSeries> shapes;  // list D
   int32_t textStringCount = 0;
   std::vector<TextItem> textItems;
   std::array<std::string, kTitleLineCount> titleLines;  // line n at index n - 1
-  std::array<double, kGraphReals> reals{};  // dataRange (8), scale (8), chartReals (12)
+  std::array<double, kGraphReals> reals{};              // dataRange (8), scale (8), chartReals (12)
   std::array<int32_t, kGraphWords> words{};
   std::vector<double> pairX, pairY, pairZ, pairId;  // list B, empty where a pointer was null
 };

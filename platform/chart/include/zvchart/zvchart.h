@@ -29,17 +29,16 @@ struct ProcedureState;
 //                  secondAxisState[4], legendOn, axisType[4] one per word,
 //                  frameKind, words 654, 655 and 656 to 659
 //   pairX..pairId  list B as parallel arrays, pairCount long
-void ChartDraw(WindowRef window, int32_t graphId, const int32_t* frame,
-               const int32_t* elementTable, int32_t elementCount, const double* elementPoints,
-               int32_t pointCount, int32_t pointWidth, const int32_t* shapeTable,
-               int32_t shapeCount, const double* shapePoints, int32_t shapePointCount,
-               const int32_t* markTable, int32_t markCount, const double* markPoints,
-               int32_t markPointCount, const int32_t* textItems, int32_t textItemCount,
-               const double* textNumbers, const char* textStrings, int32_t textStringCount,
-               const char* titleLines, const int32_t* titleLengths, const double* reals,
-               const int32_t* words, const double* pairX, const double* pairY,
-               const double* pairZ, const double* pairId, int32_t pairCount, int32_t rowCount,
-               int32_t slot, zv::ProcedureState* state);
+void ChartDraw(WindowRef window, int32_t graphId, const int32_t* frame, const int32_t* elementTable,
+               int32_t elementCount, const double* elementPoints, int32_t pointCount,
+               int32_t pointWidth, const int32_t* shapeTable, int32_t shapeCount,
+               const double* shapePoints, int32_t shapePointCount, const int32_t* markTable,
+               int32_t markCount, const double* markPoints, int32_t markPointCount,
+               const int32_t* textItems, int32_t textItemCount, const double* textNumbers,
+               const char* textStrings, int32_t textStringCount, const char* titleLines,
+               const int32_t* titleLengths, const double* reals, const int32_t* words,
+               const double* pairX, const double* pairY, const double* pairZ, const double* pairId,
+               int32_t pairCount, int32_t rowCount, int32_t slot, zv::ProcedureState* state);
 
 // The option blocks: 660 int32 words (2640 bytes) and 15 doubles (120 bytes).
 void ChartPutOptions(const int32_t* integerOptions, const double* realOptions, int32_t one);

@@ -7,7 +7,7 @@
 
 #include "zvwin/zvwin.h"
 
-inline constexpr int32_t kGridNameBytes = 33;    // 32 characters and a terminator
+inline constexpr int32_t kGridNameBytes = 33;  // 32 characters and a terminator
 inline constexpr int32_t kGridMaxColumns = 256;
 inline constexpr int32_t kGridCellBuffer = 128;  // cell texts and expressions are shorter
 

@@ -30,8 +30,8 @@ struct FamilySpec {
   // An empty field list means: the template's edit controls in order.
   uint32_t variableTemplate;
   std::vector<int32_t> fieldControls;
-  int32_t selectControl;  // 0 when the family has none
-  bool shortForms;        // Custom: the shorter argument lists
+  int32_t selectControl;    // 0 when the family has none
+  bool shortForms;          // Custom: the shorter argument lists
   const char* sampleSheet;  // file name in the data folder
 };
 
@@ -43,6 +43,8 @@ const FamilySpec* FindFamilyByCode(int32_t procedureCode);
 // Every Item of the family: text Items first, then graph Items.
 std::vector<int32_t> ItemsOf(const FamilySpec& family);
 bool HasItem(const FamilySpec& family, int32_t item);
-inline bool IsGraphItem(int32_t item) { return item >= 8 && item <= 14; }
+inline bool IsGraphItem(int32_t item) {
+  return item >= 8 && item <= 14;
+}
 
 }  // namespace zvhost

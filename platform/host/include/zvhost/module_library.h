@@ -43,8 +43,7 @@ using RedoItem1Entry = int32_t (*)(zv::PaneWindow* pane, int32_t slot, int32_t r
 
 using IsKeel4LoadedEntry = int32_t (*)(zv::HostHelpRecord* help, char* adviceBuffer,
                                        int32_t adviceEnabled);
-using CallKeel4InterpretEntry = int32_t (*)(zv::ProcedureState* state, char* output,
-                                            int32_t item);
+using CallKeel4InterpretEntry = int32_t (*)(zv::ProcedureState* state, char* output, int32_t item);
 using Keel4SetAddedTextEntry = void (*)(const char* text, int32_t flag);
 
 // The entry points of one family; nullptr where the library lacks one.
