@@ -8,22 +8,28 @@
 namespace zvhost {
 
 std::string Host::PaneText(int32_t slot, int32_t item) {
+  std::string text;
+  ReadPaneText(slot, item, [&](std::string_view view) { text = view; });
+  return text;
+}
+
+void Host::ReadPaneText(int32_t slot, int32_t item,
+                        const std::function<void(std::string_view)>& sink) {
   Analysis* a = AnalysisOf(slot);
-  if (a == nullptr) return {};
-  Pane* pane = a->PaneOf(item);
-  if (pane == nullptr) return {};
+  Pane* pane = a ? a->PaneOf(item) : nullptr;
+  if (pane == nullptr) return sink({});
   WinOsVersionInfo version{};
   version.size = sizeof version;
   WinGetVersionEx(&version);
   if (version.platformId != 0 || item < 1 || item > 7) {
-    return WinGetWindowText(pane->window->window);
+    return sink(WinWindowTextView(pane->window->window));
   }
   // Win32s: the report stands in the state as zero-ended lines.
   Handle block = a->state->paneText[item - 1];
   const int32_t lines = a->state->paneLines[item - 1];
   const uint32_t size = WinGlobalSize(block);
   const char* chars = static_cast<const char*>(WinGlobalLock(block));
-  if (chars == nullptr) return {};
+  if (chars == nullptr) return sink({});
   std::string text;
   uint32_t pos = 0;
   for (int32_t line = 0; line < lines && pos < size; ++line) {
@@ -34,21 +40,7 @@ std::string Host::PaneText(int32_t slot, int32_t item) {
     pos = end + 1;
   }
   WinGlobalUnlock(block);
-  return text;
-}
-
-void Host::ReadPaneText(int32_t slot, int32_t item,
-                        const std::function<void(std::string_view)>& sink) {
-  Analysis* a = AnalysisOf(slot);
-  Pane* pane = a ? a->PaneOf(item) : nullptr;
-  WinOsVersionInfo version{};
-  version.size = sizeof version;
-  WinGetVersionEx(&version);
-  if (pane != nullptr && version.platformId != 0) {
-    sink(WinWindowTextView(pane->window->window));
-  } else {
-    sink(PaneText(slot, item));
-  }
+  sink(text);
 }
 
 std::vector<GraphText> Host::GraphTexts(int32_t slot, int32_t item) {
